@@ -1,0 +1,47 @@
+// SPDX-License-Identifier: MIT
+#include "platform/disk_stream.h"
+
+#include <sys/stat.h>
+
+#include "platform/posix/posix_path.h"
+
+std::FILE* disk_open(const char* path, DiskMode mode) {
+    const PosixPath native(path);
+    if (!native.get()) return nullptr;
+    struct stat info;  // a directory opens for reading here, and then reads nothing
+    if (mode == DiskMode::read && (::stat(native.get(), &info) != 0 || S_ISDIR(info.st_mode))) return nullptr;
+    return std::fopen(native.get(), mode == DiskMode::read ? "rbe" : "wbe");
+}
+
+std::size_t disk_read(std::FILE* stream, void* buffer, std::size_t length) {
+    return std::fread(buffer, 1, length, stream);
+}
+
+bool disk_write(std::FILE* stream, const void* data, std::size_t length) {
+    return std::fwrite(data, 1, length, stream) == length;
+}
+
+bool disk_size(std::FILE* stream, std::int64_t* size) {
+    *size = 0;
+    if (::fseeko(stream, 0, SEEK_END) != 0) return false;
+    const off_t end = ::ftello(stream);
+    if (end < 0 || ::fseeko(stream, 0, SEEK_SET) != 0) return false;
+    *size = end;
+    return true;
+}
+
+bool disk_close(std::FILE* stream) {
+    return std::fclose(stream) == 0;
+}
+
+void disk_remove(const char* path) {
+    const PosixPath native(path);
+    if (native.get()) std::remove(native.get());
+}
+
+PathKind disk_path_kind(const char* path) {
+    const PosixPath native(path);
+    struct stat info;
+    if (!native.get() || ::stat(native.get(), &info) != 0) return PathKind::missing;
+    return S_ISDIR(info.st_mode) ? PathKind::directory : PathKind::file;
+}

@@ -1,0 +1,68 @@
+// SPDX-License-Identifier: MIT
+#include "platform/host_file.h"
+
+#include <cerrno>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/posix/posix_path.h"
+
+int host_open(const char* path, bool writable) {
+    const PosixPath native(path);
+    if (!native.get()) return -1;
+    int fd;
+    do {
+        fd = ::open(native.get(), (writable ? O_RDWR : O_RDONLY) | O_CLOEXEC);
+    } while (fd < 0 && errno == EINTR);
+    struct stat info;
+    if (fd >= 0 && (::fstat(fd, &info) != 0 || S_ISDIR(info.st_mode))) {  // a directory opens for reading here
+        ::close(fd);
+        return -1;
+    }
+    return fd;
+}
+
+void host_close(int fd) {
+    ::close(fd);
+}
+
+bool host_size(int fd, std::int64_t* size) {
+    const off_t end = ::lseek(fd, 0, SEEK_END);
+    *size = end;
+    return end >= 0;
+}
+
+bool host_read(int fd, std::int64_t offset, void* buffer, std::size_t length) {
+    auto* to = static_cast<char*>(buffer);
+    while (length > 0) {
+        const ssize_t n = ::pread(fd, to, length, offset);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) return false;
+        to += n;
+        offset += n;
+        length -= static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
+bool host_write(int fd, std::int64_t offset, const void* data, std::size_t length) {
+    const auto* from = static_cast<const char*>(data);
+    while (length > 0) {
+        const ssize_t n = ::pwrite(fd, from, length, offset);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) return false;
+        from += n;
+        offset += n;
+        length -= static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
+bool host_extend(int fd, std::int64_t offset, std::int64_t length) {
+    int result;
+    do {
+        result = ::ftruncate(fd, offset + length);
+    } while (result != 0 && errno == EINTR);
+    return result == 0;
+}

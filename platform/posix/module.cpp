@@ -1,0 +1,14 @@
+// SPDX-License-Identifier: MIT
+#include "platform/module.h"
+
+namespace {
+
+__attribute__((constructor)) void on_load() {
+    vlt_module_loaded();
+}
+
+__attribute__((destructor)) void on_unload() {
+    vlt_module_unloaded();
+}
+
+}  // namespace

@@ -1,0 +1,23 @@
+// SPDX-License-Identifier: MIT
+// Paths on POSIX: a caller may write '\' or '/', the host knows only '/'.
+#pragma once
+
+#include <cstring>
+
+#include "base/heap.h"
+
+/// A path in the host's spelling, for the length of one call.
+class PosixPath {
+public:
+    explicit PosixPath(const char* path) : copy_(HeapBlock<char>::of(std::strlen(path) + 1)) {
+        if (!copy_) return;
+        std::strcpy(copy_.get(), path);
+        for (char* c = copy_.get(); *c; ++c)
+            if (*c == '\\') *c = '/';
+    }
+    /// Null when memory ran out.
+    const char* get() const { return copy_.get(); }
+
+private:
+    HeapBlock<char> copy_;
+};

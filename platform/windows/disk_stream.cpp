@@ -1,0 +1,43 @@
+// SPDX-License-Identifier: MIT
+#include "platform/disk_stream.h"
+
+#include <cstring>
+#include <io.h>
+
+std::FILE* disk_open(const char* path, DiskMode mode) {
+    return std::fopen(path, mode == DiskMode::read ? "rb" : "wb");
+}
+
+std::size_t disk_read(std::FILE* stream, void* buffer, std::size_t length) {
+    return std::fread(buffer, 1, length, stream);
+}
+
+bool disk_write(std::FILE* stream, const void* data, std::size_t length) {
+    return std::fwrite(data, 1, length, stream) == length;
+}
+
+bool disk_size(std::FILE* stream, std::int64_t* size) {
+    *size = 0;
+    if (std::fseek(stream, 0, SEEK_END) != 0) return false;
+    const long end = std::ftell(stream);
+    if (end < 0 || std::fseek(stream, 0, SEEK_SET) != 0) return false;
+    *size = end;
+    return true;
+}
+
+bool disk_close(std::FILE* stream) {
+    return std::fclose(stream) == 0;
+}
+
+void disk_remove(const char* path) {
+    std::remove(path);
+}
+
+PathKind disk_path_kind(const char* path) {
+    if (std::strpbrk(path, "*?")) return PathKind::missing;  // no file name holds these letters
+    _finddata_t found;
+    const intptr_t search = ::_findfirst(path, &found);
+    if (search == -1) return PathKind::missing;
+    ::_findclose(search);
+    return found.attrib & _A_SUBDIR ? PathKind::directory : PathKind::file;
+}

@@ -1,0 +1,57 @@
+// SPDX-License-Identifier: MIT
+#include "platform/host_file.h"
+
+#include <algorithm>
+#include <fcntl.h>
+#include <io.h>
+#include <stdio.h>
+
+int host_open(const char* path, bool writable) {
+    return ::_open(path, _O_BINARY | _O_NOINHERIT | (writable ? _O_RDWR : _O_RDONLY));
+}
+
+void host_close(int fd) {
+    ::_close(fd);
+}
+
+bool host_size(int fd, std::int64_t* size) {
+    *size = -1;
+    if (::_lseeki64(fd, 0, SEEK_END) < 0) return false;
+    *size = ::_telli64(fd);
+    return *size >= 0;
+}
+
+bool host_read(int fd, std::int64_t offset, void* buffer, std::size_t length) {
+    if (::_lseeki64(fd, offset, SEEK_SET) != offset) return false;
+    auto* to = static_cast<char*>(buffer);
+    while (length > 0) {
+        const int n = ::_read(fd, to, static_cast<unsigned>(std::min<std::size_t>(length, 1u << 30)));
+        if (n <= 0) return false;
+        to += n;
+        length -= static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
+bool host_write(int fd, std::int64_t offset, const void* data, std::size_t length) {
+    if (::_lseeki64(fd, offset, SEEK_SET) != offset) return false;
+    const auto* from = static_cast<const char*>(data);
+    while (length > 0) {
+        const int n = ::_write(fd, from, static_cast<unsigned>(std::min<std::size_t>(length, 1u << 30)));
+        if (n <= 0) return false;
+        from += n;
+        length -= static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
+bool host_extend(int fd, std::int64_t offset, std::int64_t length) {
+    static const char zeros[64 * 1024] = {};
+    while (length > 0) {
+        const auto piece = static_cast<std::size_t>(std::min<std::int64_t>(length, sizeof zeros));
+        if (!host_write(fd, offset, zeros, piece)) return false;
+        offset += static_cast<std::int64_t>(piece);
+        length -= static_cast<std::int64_t>(piece);
+    }
+    return true;
+}
