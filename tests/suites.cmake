@@ -1,0 +1,57 @@
+# SPDX-License-Identifier: MIT
+# The test suites: whole programs, one CTest test each, because starting a program is dear under Wine. Every .cpp
+# file of a suite's folder belongs to it.
+
+# Built from source where it can be: the sanitizers and the cross build need it compiled as our own code is.
+if(EXISTS /usr/src/googletest/CMakeLists.txt)
+    set(INSTALL_GTEST OFF)
+    set(BUILD_GMOCK OFF)
+    set(gtest_disable_pthreads OFF)
+    add_subdirectory(/usr/src/googletest googletest EXCLUDE_FROM_ALL SYSTEM)
+else()
+    find_package(GTest REQUIRED)
+endif()
+
+# What several suites share; a suite links those parts of it that it uses.
+file(GLOB support_sources CONFIGURE_DEPENDS support/*.cpp)
+if(support_sources)
+    add_library(test_support STATIC ${support_sources})
+    target_include_directories(test_support PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+    target_link_libraries(test_support PUBLIC GTest::gtest)
+    vlt_warnings(test_support)
+endif()
+
+# A suite named `name` from the files of `folder`, linked with `library`: `vlt` for tests of the interface,
+# `vlt_objects` for tests of inner functions.
+function(vlt_suite name folder library)
+    file(GLOB sources CONFIGURE_DEPENDS ${folder}/*.cpp)
+    if(NOT sources)
+        return()
+    endif()
+    add_executable(${name} ${sources})
+    target_include_directories(${name} PRIVATE ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
+    target_compile_definitions(${name} PRIVATE TEST_SOURCE_DIR="${PROJECT_SOURCE_DIR}/tests")
+    target_link_libraries(${name} PRIVATE $<TARGET_NAME_IF_EXISTS:test_support> ${library} GTest::gtest_main)
+    vlt_warnings(${name})
+    vlt_beside_library(${name})
+    set(scratch ${PROJECT_BINARY_DIR}/scratch/${name})
+    file(MAKE_DIRECTORY ${scratch})
+    add_test(NAME ${name} COMMAND ${name} --gtest_brief=1 WORKING_DIRECTORY ${scratch})
+    set_tests_properties(${name} PROPERTIES LABELS suite TIMEOUT 600)
+endfunction()
+
+vlt_suite(store_tests vlt vlt)
+vlt_suite(offline_tests offline vlt)
+vlt_suite(inner_tests inner vlt_objects)
+
+# Tests that make host calls and allocations fail: they bind a function __wrap_NAME of their own in front of each of
+# these.
+vlt_suite(fault_tests faults vlt_objects)
+if(TARGET fault_tests)
+    foreach(function IN ITEMS
+            heap_alloc heap_alloc_zeroed heap_resize mutex_create
+            host_open host_read host_write host_size host_extend
+            disk_open disk_read disk_write disk_size disk_close)
+        target_link_options(fault_tests PRIVATE LINKER:--wrap=${function})
+    endforeach()
+endif()
