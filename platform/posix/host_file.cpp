@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "platform/host_file.h"
 
-#include <cerrno>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
+#include <cerrno>
 
 #include "platform/posix/posix_path.h"
 

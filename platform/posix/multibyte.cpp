@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "platform/multibyte.h"
 
+#include <langinfo.h>
 #include <cstdlib>
 #include <cstring>
 #include <cwchar>
-#include <langinfo.h>
 
 const char* multibyte_next(const char* text) {
     const auto lead = static_cast<unsigned char>(*text);

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/mutex.h"
 
-#include <new>
 #include <pthread.h>
+#include <new>
 
 #include "base/heap.h"
 

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/clock.h"
 
-#include <ctime>
 #include <windows.h>
+#include <ctime>
 
 std::int64_t clock_seconds() {
     return std::time(nullptr);

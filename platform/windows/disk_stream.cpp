@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/disk_stream.h"
 
-#include <cstring>
 #include <io.h>
+#include <cstring>
 
 std::FILE* disk_open(const char* path, DiskMode mode) {
     return std::fopen(path, mode == DiskMode::read ? "rb" : "wb");

@@ -1,10 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include "platform/host_file.h"
 
-#include <algorithm>
 #include <fcntl.h>
 #include <io.h>
 #include <stdio.h>
+#include <algorithm>
 
 int host_open(const char* path, bool writable) {
     return ::_open(path, _O_BINARY | _O_NOINHERIT | (writable ? _O_RDWR : _O_RDONLY));

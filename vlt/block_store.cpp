@@ -1,0 +1,390 @@
+// SPDX-License-Identifier: MIT
+#include "vlt/block_store.h"
+
+#include <algorithm>
+
+#include "base/check.h"
+#include "platform/host_file.h"
+
+vlt_store::~vlt_store() {
+    if (mutex) mutex_destroy(mutex);
+    if (fd >= 0) host_close(fd);
+}
+
+// ---- Walking and transferring ------------------------------------------------------------------------------------
+
+namespace {
+
+std::int64_t host_offset(const vlt_store& store, std::int32_t block) {
+    return store.base_offset + std::int64_t{block} * VLT_BLOCK_SIZE;
+}
+
+/// Whether a block can belong to a stored file: it has a map word, and the package's own chains do not hold it.
+bool may_hold_data(const vlt_store& store, std::int64_t block) {
+    return block >= 0 && block < store.mapped_blocks() && !store.own_blocks.contains(static_cast<std::size_t>(block));
+}
+
+/// Makes the chain known up to `position`, or as far as it goes. A chain cannot be longer than the package, so one
+/// that loops ends there. False when memory runs out.
+bool learn(vlt_store& store, vlt_chain& chain, std::int64_t position) {
+    while (!chain.empty() && chain.length() <= position && chain.length() < store.block_count) {
+        const std::uint32_t next = store.map_word(chain.last_block()) & VLT_NEXT_MASK;
+        if (!may_hold_data(store, std::int64_t{next} - 1)) break;
+        if (!chain.append(static_cast<std::int32_t>(next) - 1)) return false;
+    }
+    return true;
+}
+
+/// Moves `length` bytes at `offset` of the chain, one host call for each run; `move` is (host offset, done, bytes).
+template <typename Move>
+bool transfer(vlt_store& store, vlt_chain& chain, std::int64_t offset, std::int32_t length, Move move) {
+    if (offset < 0 || length < 0 || offset > INT64_MAX - length) return false;
+    std::int64_t position = offset / VLT_BLOCK_SIZE;
+    std::int32_t inside = static_cast<std::int32_t>(offset % VLT_BLOCK_SIZE);
+    if (!learn(store, chain, (offset + std::max(length, 1) - 1) / VLT_BLOCK_SIZE)) return false;
+    for (std::int32_t done = 0;;) {
+        if (position >= chain.length()) return false;
+        if (done == length) return true;
+        const vlt_run run = chain.run_at(static_cast<std::int32_t>(position));
+        const std::int64_t room = std::int64_t{run.count} * VLT_BLOCK_SIZE - inside;
+        const auto piece = static_cast<std::int32_t>(std::min<std::int64_t>(room, length - done));
+        if (!move(host_offset(store, run.block) + inside, done, static_cast<std::size_t>(piece))) return false;
+        done += piece;
+        if (done == length) return true;
+        position += run.count;
+        inside = 0;
+    }
+}
+
+/// Writes the map words of a row of blocks through. Words side by side are one piece of the header run.
+bool put_map_words(vlt_store& store, std::int32_t block, std::int32_t count) {
+    return vlt_chain_write(store, store.header_chain, VLT_MAP_OFFSET + 4 * std::int64_t{block},
+                           store.map_word_at(block), 4 * count);
+}
+
+std::uint32_t linked_to(std::uint32_t word, std::int32_t next_block) {
+    return (word & ~VLT_NEXT_MASK) | static_cast<std::uint32_t>(next_block + 1);
+}
+
+}  // namespace
+
+bool vlt_chain_read(vlt_store& store, vlt_chain& chain, std::int64_t offset, void* buffer, std::int32_t length) {
+    return transfer(store, chain, offset, length, [&](std::int64_t at, std::int32_t done, std::size_t bytes) {
+        return host_read(store.fd, at, static_cast<char*>(buffer) + done, bytes);
+    });
+}
+
+bool vlt_chain_write(vlt_store& store, vlt_chain& chain, std::int64_t offset, const void* data, std::int32_t length) {
+    return transfer(store, chain, offset, length, [&](std::int64_t at, std::int32_t done, std::size_t bytes) {
+        return host_write(store.fd, at, static_cast<const char*>(data) + done, bytes);
+    });
+}
+
+bool vlt_chain_begin(vlt_store& store, vlt_chain& chain, std::uint32_t first_block) {
+    if (!chain.empty()) return true;
+    const std::int64_t block = std::int64_t{first_block} - 1;
+    return may_hold_data(store, block) && chain.append(static_cast<std::int32_t>(block));
+}
+
+// ---- Free blocks -------------------------------------------------------------------------------------------------
+
+namespace {
+
+/// Finds the free blocks once. A block that looks free while a used word names it as next is left alone: a growth of
+/// a chain that was cut off between two writes leaves such a block, and giving it to another file would tie the two
+/// files together.
+bool count_free_blocks(vlt_store& store) {
+    if (store.blocks_counted) return true;
+    const std::int32_t blocks = store.mapped_blocks();
+    if (!store.free_blocks.set_limit(static_cast<std::size_t>(blocks))) return false;
+    for (std::int32_t block = 0; block < blocks; ++block)
+        if (!(store.map_word(block) & VLT_BLOCK_USED) && !store.own_blocks.contains(static_cast<std::size_t>(block)))
+            store.free_blocks.add(static_cast<std::size_t>(block));
+    for (std::int32_t block = 0; block < blocks; ++block) {
+        const std::uint32_t word = store.map_word(block);
+        const auto next = static_cast<std::int32_t>(word & VLT_NEXT_MASK);
+        if ((word & VLT_BLOCK_USED) && next != 0) store.free_blocks.remove(static_cast<std::size_t>(next - 1));
+    }
+    store.blocks_counted = true;
+    return true;
+}
+
+/// Takes the lowest free block out of the free ones. There must be one.
+std::int32_t take_free_block(vlt_store& store) {
+    const std::size_t block = store.free_blocks.lowest();
+    store.free_blocks.remove(block);
+    return static_cast<std::int32_t>(block);
+}
+
+}  // namespace
+
+bool vlt_blocks_free(vlt_store& store, std::int32_t* count) {
+    if (!count_free_blocks(store)) return false;
+    *count = static_cast<std::int32_t>(store.free_blocks.count());
+    return true;
+}
+
+namespace {
+
+/// Forgets what follows the stored bytes in the chain, from the first block on that is not in use: the leftover of
+/// a growth that was cut off. What the chain takes next is linked over it.
+void drop_unfinished_end(vlt_store& store, vlt_chain& chain, std::int32_t kept) {
+    for (std::int32_t position = kept; position < chain.length(); ++position)
+        if (!(store.map_word(chain.run_at(position).block) & VLT_BLOCK_USED)) return chain.shorten(position);
+}
+
+/// Marks `count` free blocks as used and links them to each other, in the image; the chain knows them afterwards.
+/// False when memory runs out, and then the chain knows only some of them.
+bool take_blocks(vlt_store& store, vlt_chain& chain, std::int32_t count) {
+    for (std::int32_t last = -1, i = 0; i < count; ++i) {
+        const std::int32_t block = take_free_block(store);
+        if (!chain.append(block)) {
+            store.free_blocks.add(static_cast<std::size_t>(block));
+            return false;
+        }
+        store.set_map_word(block, VLT_BLOCK_USED);
+        if (last >= 0) store.set_map_word(last, linked_to(VLT_BLOCK_USED, block));
+        last = block;
+    }
+    return true;
+}
+
+/// Gives the blocks of the chain from `position` on back, in the image.
+void return_blocks(vlt_store& store, vlt_chain& chain, std::int32_t position) {
+    for (std::int32_t p = position; p < chain.length(); ++p) {
+        const std::int32_t block = chain.run_at(p).block;
+        store.set_map_word(block, 0);
+        store.free_blocks.add(static_cast<std::size_t>(block));
+    }
+    chain.shorten(position);
+}
+
+/// Writes the words of the blocks from `position` on, and then the link to them from the block before. The link goes
+/// last, or in one piece with the words right after it, so that no link ever leads to a block that looks free.
+bool put_new_blocks(vlt_store& store, vlt_chain& chain, std::int32_t position) {
+    const std::int32_t before = position > 0 ? chain.run_at(position - 1).block : -1;
+    bool link_written = before < 0;
+    for (std::int32_t p = position; p < chain.length();) {
+        const vlt_run run = chain.run_at(p);
+        const bool with_link =
+            !link_written && p == position && run.block == before + 1 && run.count == chain.length() - p;
+        if (!put_map_words(store, with_link ? before : run.block, run.count + (with_link ? 1 : 0))) return false;
+        link_written = link_written || with_link;
+        p += run.count;
+    }
+    return link_written || put_map_words(store, before, 1);
+}
+
+}  // namespace
+
+bool vlt_chain_extend(vlt_store& store, vlt_chain& chain, std::int32_t kept, std::int32_t count) {
+    if (!count_free_blocks(store) || store.free_blocks.count() < static_cast<std::size_t>(count)) return false;
+    if (!learn(store, chain, store.block_count)) return false;
+    if (chain.length() >= store.block_count) return false;  // it loops: there is no end to link to
+    drop_unfinished_end(store, chain, kept);
+
+    const std::int32_t old_length = chain.length();
+    if (!take_blocks(store, chain, count)) {
+        return_blocks(store, chain, old_length);
+        return false;
+    }
+    const std::int32_t before = old_length > 0 ? chain.run_at(old_length - 1).block : -1;
+    const std::uint32_t old_word = before >= 0 ? store.map_word(before) : 0;
+    if (before >= 0) store.set_map_word(before, linked_to(old_word, chain.run_at(old_length).block));
+    if (put_new_blocks(store, chain, old_length)) return true;
+
+    // The new words may be in the host file or not; the blocks stay used here, so that nothing else takes them.
+    if (before >= 0) store.set_map_word(before, old_word);
+    chain.shorten(old_length);
+    return false;
+}
+
+bool vlt_chain_release(vlt_store& store, std::uint32_t first_block) {
+    std::int64_t block = std::int64_t{first_block} - 1;
+    const auto releasable = [&](std::int64_t b) {
+        return may_hold_data(store, b) && (store.map_word(static_cast<std::int32_t>(b)) & VLT_BLOCK_USED);
+    };
+    while (releasable(block)) {
+        const auto first = static_cast<std::int32_t>(block);
+        std::int32_t count = 0;
+        do {  // a row of blocks that follow each other in the chain and in the package
+            block = std::int64_t{store.map_word(first + count) & VLT_NEXT_MASK} - 1;
+            ++count;
+        } while (block == first + count && releasable(block));
+
+        Array<std::uint32_t> words;  // kept, for a host file that fails
+        if (!words.resize(static_cast<std::size_t>(count))) return false;
+        std::memcpy(words.data(), store.map_word_at(first), words.size() * 4);
+        std::memset(store.map_word_at(first), 0, words.size() * 4);
+        if (!put_map_words(store, first, count)) {
+            std::memcpy(store.map_word_at(first), words.data(), words.size() * 4);
+            return false;
+        }
+        if (store.blocks_counted)
+            for (std::int32_t i = 0; i < count; ++i) store.free_blocks.add(static_cast<std::size_t>(first + i));
+    }
+    return true;
+}
+
+// ---- Growth ------------------------------------------------------------------------------------------------------
+
+namespace {
+
+/// Makes the host file `count` zero blocks longer. The first of them begins where the last whole block ends, over
+/// what a host file that ended in a partial block holds there.
+bool append_blocks(vlt_store& store, std::int32_t count) {
+    const std::int64_t end = host_offset(store, store.block_count);
+    if (store.trailing > 0) {
+        static const char zeros[VLT_BLOCK_SIZE] = {};
+        if (!host_write(store.fd, end, zeros, static_cast<std::size_t>(store.trailing))) return false;
+    }
+    if (!host_extend(store.fd, end, std::int64_t{count} * VLT_BLOCK_SIZE)) return false;
+    store.trailing = 0;
+    return true;
+}
+
+/// Counts one more block of the host file as free.
+bool adopt_block(vlt_store& store) {
+    const std::int32_t block = store.block_count;
+    if (!store.free_blocks.set_limit(static_cast<std::size_t>(block) + 1)) return false;
+    if (!store.own_blocks.set_limit(static_cast<std::size_t>(block) + 1)) return false;
+    ++store.block_count;
+    if (block < store.mapped_blocks()) store.free_blocks.add(static_cast<std::size_t>(block));
+    return true;
+}
+
+/// Makes one more block, already in the host file, the last of the header chain: the map gets room for 1024 words.
+/// The new block's own word is written first: until the link to it is written, nothing of it is in use.
+bool adopt_header_block(vlt_store& store) {
+    const std::int32_t block = store.block_count;
+    const std::int32_t last = store.header_chain.last_block();
+    const std::int32_t old_mapped = store.mapped_blocks();
+    const std::size_t old_size = store.header.size();
+    if (block >= vlt_map_capacity(store.header_blocks() + 1)) return false;  // the chain misses more than one block
+    if (!store.free_blocks.set_limit(static_cast<std::size_t>(block) + 1)) return false;
+    if (!store.own_blocks.set_limit(static_cast<std::size_t>(block) + 1)) return false;
+    if (!store.header_chain.append(block)) return false;
+    if (!store.header.resize(old_size + VLT_BLOCK_SIZE)) {
+        store.header_chain.shorten(store.header_chain.length() - 1);
+        return false;
+    }
+    ++store.block_count;
+    store.set_map_word(block, VLT_BLOCK_USED);
+    store.set_map_word(last, linked_to(store.map_word(last), block));
+    if (!put_map_words(store, block, 1) || !put_map_words(store, last, 1)) {
+        store.set_map_word(last, store.map_word(last) & ~VLT_NEXT_MASK);
+        store.set_map_word(block, 0);
+        store.header.shrink(old_size);
+        store.header_chain.shorten(store.header_chain.length() - 1);
+        return false;
+    }
+    store.own_blocks.add(static_cast<std::size_t>(block));
+    for (std::int32_t b = old_mapped; b < block; ++b)  // blocks that had no word until now
+        if (!(store.map_word(b) & VLT_BLOCK_USED)) store.free_blocks.add(static_cast<std::size_t>(b));
+    return true;
+}
+
+/// One step of growth: a free block, or a header block when the map is full. The blocks are in the host file.
+bool grow_step(vlt_store& store) {
+    return vlt_map_capacity(store.header_blocks()) > store.block_count ? adopt_block(store)
+                                                                       : adopt_header_block(store);
+}
+
+/// Blocks that the host file needs more, so that `wanted` more become free; the block numbers may allow fewer.
+std::int32_t blocks_to_append(const vlt_store& store, std::int32_t wanted) {
+    std::int64_t capacity = vlt_map_capacity(store.header_blocks());
+    std::int64_t blocks = store.block_count;
+    for (std::int32_t gained = 0; gained < wanted; ++gained) {
+        const std::int64_t step = capacity > blocks ? 1 : 2;
+        if (blocks + step > VLT_BLOCKS_MAX) break;
+        if (step == 2) capacity += VLT_BLOCK_SIZE / 4;
+        blocks += step;
+    }
+    return static_cast<std::int32_t>(blocks - store.block_count);
+}
+
+}  // namespace
+
+bool vlt_package_grow(vlt_store& store, std::int32_t wanted) {
+    if (!count_free_blocks(store)) return false;
+    const auto missing = [&] { return wanted - static_cast<std::int32_t>(store.free_blocks.count()); };
+    while (missing() > 0) {
+        std::int32_t count = blocks_to_append(store, missing());
+        if (count == 0) return false;
+        if (!append_blocks(store, count)) {
+            // Not all of them fit: as many as do become free blocks, one growth after the other.
+            count = std::min(count, blocks_to_append(store, 1));
+            if (!append_blocks(store, count)) return false;
+        }
+        for (const std::int32_t end = store.block_count + count; store.block_count < end;)
+            if (!grow_step(store)) return false;
+    }
+    return true;
+}
+
+bool vlt_dir_extend(vlt_store& store) {
+    if (!count_free_blocks(store)) return false;
+    const bool grown = store.free_blocks.count() == 0;
+    if (grown && !vlt_package_grow(store, 1)) return false;
+    const std::size_t old_size = store.directory.size();
+    const auto block = static_cast<std::int32_t>(store.free_blocks.lowest());
+    static const char zeros[VLT_BLOCK_SIZE] = {};  // a block just grown is zero already
+    if (!grown && !host_write(store.fd, host_offset(store, block), zeros, sizeof zeros)) return false;
+
+    // The image and the chain first, in memory only: nothing can fail any more but the two map words.
+    if (!store.directory.resize(old_size + VLT_BLOCK_SIZE)) return false;
+    const std::int32_t last = store.directory_chain.last_block();
+    const std::uint32_t last_word = store.map_word(last);
+    bool done = store.directory_chain.append(block);
+    if (done) {
+        take_free_block(store);
+        store.set_map_word(block, VLT_BLOCK_USED);
+        store.set_map_word(last, linked_to(last_word, block));
+        done = put_map_words(store, block, 1) && put_map_words(store, last, 1);
+        if (!done) {  // the block stays used here: its word may be in the host file
+            store.set_map_word(last, last_word);
+            store.directory_chain.shorten(store.directory_chain.length() - 1);
+        }
+    }
+    if (!done) {
+        store.directory.shrink(old_size);
+        return false;
+    }
+    store.own_blocks.add(static_cast<std::size_t>(block));
+    return true;
+}
+
+std::int32_t vlt_dir_count(const vlt_store& store) {
+    return static_cast<std::int32_t>(static_cast<std::int64_t>(store.directory.size()) / store.entry_size());
+}
+
+// ---- The plain truth ---------------------------------------------------------------------------------------------
+
+namespace {
+
+void check_own_chain(vlt_store& store, const vlt_chain& chain, std::int32_t start) {
+    std::int32_t block = start;
+    for (std::int32_t position = 0; position < chain.length(); ++position) {
+        check_truth(chain.run_at(position).block == block &&
+                    store.own_blocks.contains(static_cast<std::size_t>(block)));
+        block = static_cast<std::int32_t>(store.map_word(block) & VLT_NEXT_MASK) - 1;
+    }
+}
+
+}  // namespace
+
+void vlt_check_blocks(vlt_store& store) {
+    check_own_chain(store, store.header_chain, VLT_HEADER_START);
+    check_own_chain(store, store.directory_chain, VLT_DIRECTORY_START);
+    if (!store.blocks_counted) return;
+    std::size_t free_blocks = 0;
+    std::int32_t lowest = -1;
+    for (std::int32_t block = store.mapped_blocks(); block-- > 0;)
+        if (store.free_blocks.contains(static_cast<std::size_t>(block))) {
+            check_truth(!(store.map_word(block) & VLT_BLOCK_USED));
+            ++free_blocks;
+            lowest = block;
+        }
+    check_truth(free_blocks == store.free_blocks.count());
+    check_truth(free_blocks == 0 || store.free_blocks.lowest() == static_cast<std::size_t>(lowest));
+}

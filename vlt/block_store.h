@@ -1,0 +1,107 @@
+// SPDX-License-Identifier: MIT
+// The block store: bytes in and out of chains, blocks in and out of use, growth of the package and its directory.
+// Nothing else touches the host file of an open package. Callers hold the package's mutex, or own the package alone.
+//
+// Everything is addressed as (chain, offset within the chain). The header and directory images always equal what is
+// in the host file, except after a write that failed.
+#pragma once
+
+#include <cstdint>
+
+#include "base/array.h"
+#include "base/index_set.h"
+#include "base/owned.h"
+#include "platform/mutex.h"
+#include "vlt/chain.h"
+#include "vlt/format.h"
+#include "vlt/name_index.h"
+#include "vlt/open_entries.h"
+#include "vlt/time_stamp.h"
+
+/// What all handles of one package share. The base slot of the package owns it.
+struct vlt_store {
+    vlt_store() = default;
+    vlt_store(const vlt_store&) = delete;
+    vlt_store& operator=(const vlt_store&) = delete;
+    ~vlt_store();
+
+    HostMutex* mutex = nullptr;
+    int fd = -1;
+    std::int64_t base_offset = 0;   // where block 0 lies in the host file
+    std::int64_t trailing = 0;      // bytes of a partial block at the end of the host file
+    bool file_read_only = false;    // the host file was opened for reading only
+    bool wide_names = false;        //
+    std::int32_t block_count = 0;   // blocks that the host file holds
+    Array<std::uint8_t> header;     // the header run: fields and block map
+    Array<std::uint8_t> directory;  // the directory run
+
+    // Derived from the images, and kept beside them.
+    vlt_chain header_chain;        // known whole
+    vlt_chain directory_chain;     // known whole
+    IndexSet own_blocks;           // blocks of those two chains: no stored file may own one
+    IndexSet free_blocks;          // blocks that may be taken; empty until blocks_counted
+    bool blocks_counted = false;   //
+    IndexSet free_entries;         // directory entries that may be taken; empty until entries_counted
+    bool entries_counted = false;  //
+    vlt_name_index names;          // entries in use by name
+    vlt_open_entries open_files;   // entries with an open file, and their chains
+    vlt_stamp_clock clock;         //
+    bool directory_ahead = false;  // an entry in the image may differ from the host file
+
+    std::int32_t header_blocks() const { return static_cast<std::int32_t>(header.size() / VLT_BLOCK_SIZE); }
+    std::int32_t directory_blocks() const { return static_cast<std::int32_t>(directory.size() / VLT_BLOCK_SIZE); }
+    std::int32_t entry_size() const { return wide_names ? VLT_ENTRY_SIZE_WIDE : VLT_ENTRY_SIZE_NARROW; }
+
+    /// Blocks that exist and have a map word. A header chain shorter than the host file asks for, as a growth that
+    /// was cut off leaves it, hides the blocks beyond its words until the next growth lengthens it.
+    std::int32_t mapped_blocks() const {
+        const std::int32_t capacity = vlt_map_capacity(header_blocks());
+        return block_count < capacity ? block_count : capacity;
+    }
+    std::uint8_t* map_word_at(std::int32_t block) {
+        return header.data() + VLT_MAP_OFFSET + 4 * static_cast<std::size_t>(block);
+    }
+    std::uint32_t map_word(std::int32_t block) { return vlt_load<std::uint32_t>(map_word_at(block)); }
+    void set_map_word(std::int32_t block, std::uint32_t word) { vlt_store_at(map_word_at(block), word); }
+
+    vlt_dir_entry entry(std::int32_t index) {
+        return vlt_dir_entry(directory.data() +
+                             static_cast<std::size_t>(index) * static_cast<std::size_t>(entry_size()));
+    }
+};
+
+/// Reads `length` bytes at `offset` of a chain. What exists is read even when the chain ends too early; false then,
+/// and when the host file fails. A data chain must have been begun with `vlt_chain_begin`.
+bool vlt_chain_read(vlt_store& store, vlt_chain& chain, std::int64_t offset, void* buffer, std::int32_t length);
+
+/// Writes `length` bytes at `offset` of a chain, in the same manner.
+bool vlt_chain_write(vlt_store& store, vlt_chain& chain, std::int64_t offset, const void* data, std::int32_t length);
+
+/// Gets a data chain ready for use: makes its first block known. `first_block` is a block number, 0 for none. False
+/// when that is no block that a stored file can own, or memory runs out.
+bool vlt_chain_begin(vlt_store& store, vlt_chain& chain, std::uint32_t first_block);
+
+/// Adds `count` free blocks to a data chain, lowest index first, and writes the map words through. `kept` is how many
+/// blocks of the chain hold stored bytes. False when there are not that many free blocks (nothing has changed) or
+/// the host file fails (blocks may stay in use that no chain holds).
+bool vlt_chain_extend(vlt_store& store, vlt_chain& chain, std::int32_t kept, std::int32_t count);
+
+/// Frees the data chain that starts at a block number; 0 frees nothing. The walk ends at the first block that no
+/// stored file can own. False when the host file fails; the blocks not yet reached stay in use.
+bool vlt_chain_release(vlt_store& store, std::uint32_t first_block);
+
+/// Number of free blocks; false when memory runs out.
+bool vlt_blocks_free(vlt_store& store, std::int32_t* count);
+
+/// Makes the package larger until `wanted` blocks are free. False when the host file fails or the block numbers are
+/// used up; blocks added until then stay.
+bool vlt_package_grow(vlt_store& store, std::int32_t wanted);
+
+/// Adds one zero block to the directory chain and image.
+bool vlt_dir_extend(vlt_store& store);
+
+/// Number of directory entries that the directory image holds.
+std::int32_t vlt_dir_count(const vlt_store& store);
+
+/// Compares every derived structure with the images.
+void vlt_check_blocks(vlt_store& store);

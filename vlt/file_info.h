@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+// What is reported of a stored file.
+#pragma once
+
+#include <cstdint>
+
+#include "vlt/directory.h"
+
+/// Where the caller wants the parts of a file's information; null ones are skipped.
+struct vlt_info_out {
+    std::uint32_t* kind;
+    std::int64_t* size;
+    double* created;
+    double* accessed;
+    double* written;
+
+    void fill(const vlt_dir_entry& entry) const;
+};

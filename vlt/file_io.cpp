@@ -1,0 +1,165 @@
+// SPDX-License-Identifier: MIT
+#include <algorithm>
+
+#include "vlt/directory.h"
+#include "vlt/file_handle.h"
+
+namespace {
+
+// ---- Reading and writing, with the package held ------------------------------------------------------------------
+
+/// The chain of an open file, ready for use; null when the file owns no usable block.
+vlt_chain* data_chain(vlt_store& store, std::int32_t index) {
+    vlt_chain& chain = store.open_files.find(index)->chain;
+    return vlt_chain_begin(store, chain, store.entry(index).first_block()) ? &chain : nullptr;
+}
+
+/// Stamps an entry that was read. A stamp that is in the host file already is not written again.
+bool stamp_read(vlt_store& store, std::int32_t index, bool in_memory) {
+    vlt_dir_entry entry = store.entry(index);
+    const double now = store.clock.vlt_stamp_now();
+    const bool changed = entry.accessed() != now;
+    entry.set_accessed(now);
+    if (in_memory) {
+        store.directory_ahead = store.directory_ahead || changed;
+        return true;
+    }
+    return (!changed && !store.directory_ahead) || vlt_dir_put(store, index);
+}
+
+std::int32_t read(vlt_store& store, vlt_file& file, void* buffer, std::int32_t length, bool stamp_in_memory) {
+    const std::int32_t index = file.entry_number - 1;
+    const std::int64_t size = store.entry(index).size();
+    if (!stamp_read(store, index, stamp_in_memory)) return 0;
+    if (file.position < 0 || file.position >= size) return 0;
+    const auto count = static_cast<std::int32_t>(std::min<std::int64_t>(length, size - file.position));
+    vlt_chain* chain = data_chain(store, index);
+    if (!chain || !vlt_chain_read(store, *chain, file.position, buffer, count)) return 0;
+    file.position += count;
+    return count;
+}
+
+std::int64_t blocks_for(std::int64_t bytes) {
+    return bytes / VLT_BLOCK_SIZE + (bytes % VLT_BLOCK_SIZE > 0 ? 1 : 0);
+}
+
+/// Makes the file's chain long enough for its length to become `end`. A new first block is entered in the image only.
+bool vlt_file_reserve(vlt_store& store, std::int32_t index, std::int64_t end) {
+    vlt_dir_entry entry = store.entry(index);
+    const std::int64_t kept = entry.size() > 0 ? blocks_for(entry.size()) : 0;
+    const std::int64_t wanted = blocks_for(end) - kept;
+    if (entry.size() >= end || wanted <= 0) return true;
+    if (blocks_for(end) > VLT_BLOCKS_MAX) return false;
+
+    std::int32_t free_blocks = 0;
+    const auto count = static_cast<std::int32_t>(wanted);
+    if (!vlt_blocks_free(store, &free_blocks)) return false;
+    if (free_blocks < count && !vlt_package_grow(store, count)) return false;
+
+    vlt_chain& chain = store.open_files.find(index)->chain;
+    if (entry.first_block() != 0 && !vlt_chain_begin(store, chain, entry.first_block())) return false;
+    if (!vlt_chain_extend(store, chain, static_cast<std::int32_t>(kept), count)) return false;
+    entry.set_first_block(static_cast<std::uint32_t>(chain.first_block()) + 1);
+    return true;
+}
+
+/// Sets length and stamps after `end` bytes are in place, and writes the entry if that changed it.
+bool finish_write(vlt_store& store, std::int32_t index, std::int64_t end, bool new_chain) {
+    vlt_dir_entry entry = store.entry(index);
+    const double now = store.clock.vlt_stamp_now();
+    const bool changed = new_chain || end > entry.size() || entry.accessed() != now || entry.written() != now;
+    entry.set_size(std::max(entry.size(), end));
+    entry.set_accessed(now);
+    entry.set_written(now);
+    return (!changed && !store.directory_ahead) || vlt_dir_put(store, index);
+}
+
+bool write(vlt_store& store, vlt_file& file, const void* data, std::int32_t length) {
+    const std::int32_t index = file.entry_number - 1;
+    const std::uint32_t old_first_block = store.entry(index).first_block();
+    if (file.position < 0 || file.position > INT64_MAX - length) return false;
+    const std::int64_t end = file.position + length;
+    if (!vlt_file_reserve(store, index, end)) return false;
+    const bool new_chain = store.entry(index).first_block() != old_first_block;
+    vlt_chain* chain = data_chain(store, index);
+    if (!chain || !vlt_chain_write(store, *chain, file.position, data, length)) {
+        if (new_chain) vlt_dir_put(store, index);  // the file owns its new blocks all the same
+        return false;
+    }
+    if (!finish_write(store, index, end, new_chain)) return false;
+    file.position = end;
+    return true;
+}
+
+// ---- Handles -----------------------------------------------------------------------------------------------------
+
+/// Which slots an operation accepts.
+enum class vlt_slots { any, open };
+
+/// Runs `use` on the slot of a file handle with the package held; `failure` for a handle that is refused.
+template <typename Use>
+std::int32_t with_file(std::uint32_t handle, vlt_slots accepted, std::int32_t failure, Use use) {
+    vlt_package* slot = vlt_package_of_file(handle);
+    if (!slot) return failure;
+    vlt_package_hold hold(*slot);
+    vlt_file* file = slot->files->at(vlt_slot_of_file(handle));
+    if (!file || (accepted == vlt_slots::open && file->free())) return failure;
+    return use(hold, *file);
+}
+
+}  // namespace
+
+std::int32_t vlt_file_read(std::uint32_t file, void* buffer, std::int32_t length) {
+    if (!buffer || length < 1) return 0;
+    return with_file(file, vlt_slots::open, 0, [&](vlt_package_hold& hold, vlt_file& open) {
+        return read(hold.store(), open, buffer, length, hold.base_read_only());
+    });
+}
+
+std::int32_t vlt_file_write(std::uint32_t file, const void* buffer, std::int32_t length) {
+    if (!buffer || length < 1) return 1;
+    return with_file(file, vlt_slots::open, 0, [&](vlt_package_hold& hold, vlt_file& open) -> std::int32_t {
+        if (!open.writes()) return 0;
+        if (open.mode == VLT_MODE_APPEND && open.position < open.append_floor) return 0;
+        return write(hold.store(), open, buffer, length) ? 1 : 0;
+    });
+}
+
+std::int32_t vlt_file_set_pos(std::uint32_t file, std::int64_t position) {
+    return with_file(file, vlt_slots::open, 0, [&](vlt_package_hold& hold, vlt_file& open) {
+        const std::int64_t size = hold.store().entry(open.entry_number - 1).size();
+        open.position = position == 0 ? 0 : position < 0 || position > size ? size : position;
+        return 1;
+    });
+}
+
+std::int32_t vlt_file_set_pos_bof(std::uint32_t file) {
+    return with_file(file, vlt_slots::any, 0, [](vlt_package_hold&, vlt_file& open) {
+        open.position = 0;
+        return 1;
+    });
+}
+
+std::int32_t vlt_file_set_pos_eof(std::uint32_t file) {
+    return vlt_file_set_pos(file, -1);
+}
+
+std::int32_t vlt_file_get_pos(std::uint32_t file, std::int64_t* position) {
+    if (!position) return 0;
+    *position = 0;
+    return with_file(file, vlt_slots::any, 0, [&](vlt_package_hold&, vlt_file& open) {
+        *position = open.position;
+        return 1;
+    });
+}
+
+std::int32_t vlt_file_is_eof(std::uint32_t file) {
+    return with_file(file, vlt_slots::open, -1, [](vlt_package_hold& hold, vlt_file& open) {
+        return open.position >= hold.store().entry(open.entry_number - 1).size() ? 1 : 0;
+    });
+}
+
+std::int32_t vlt_file_is_bof(std::uint32_t file) {
+    return with_file(file, vlt_slots::any, -1,
+                     [](vlt_package_hold&, vlt_file& open) { return open.position <= 0 ? 1 : 0; });
+}
