@@ -1,0 +1,18 @@
+// SPDX-License-Identifier: MIT
+// The database record: its package, and what several parts of the database layer do with it.
+#pragma once
+
+#include <cstdint>
+
+#include "include/offline.h"
+
+/// Opens the package that `path` names and keeps its handle in `db`, whose package is closed. Returns 1; also for a
+/// directory and for a path that names nothing, which is taken for a directory; 0 for a file that is no package to
+/// be opened for reading and writing. Sets no error.
+std::int32_t KOfflineDb_OpenPackage(KOfflineDb* db, const char* path);
+
+/// Closes the package of `db`, if it has one.
+void close_package(KOfflineDb* db);
+
+/// Keeps a path of at most 259 bytes in `db`; `path` may be the kept one itself.
+void keep_path(KOfflineDb* db, const char* path);

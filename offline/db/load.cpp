@@ -1,0 +1,143 @@
+// SPDX-License-Identifier: MIT
+#include "offline/db/load.h"
+
+#include "offline/db/database.h"
+#include "offline/db/field_list.h"
+#include "offline/db/file_names.h"
+#include "offline/db/schema.h"
+#include "offline/db/stream.h"
+#include "offline/tables/data_file.h"
+#include "offline/tables/error_state.h"
+#include "offline/tables/table.h"
+
+namespace {
+
+/// The fields of a table that the schema does not declare, with the tables in the order in which they are completed.
+constexpr struct {
+    TableSlot table;
+    const char* fields[4];
+} kDefaultFields[] = {
+    {TABLE_BDWG, {"BDWG.NID", "BDWG.CCODE", "BDWG.CNAME", "BDWG.CSRC"}},
+    {TABLE_BITDWG, {"BITDWG.NID", "BITDWG.NPID", "BITDWG.NCID"}},
+    {TABLE_BCAPP, {"BCAPP.NID", "BCAPP.CCODE", "BCAPP.CNAME", "BCAPP.CSRC"}},
+    {TABLE_BITCAP, {"BITCAP.NID", "BITCAP.NPID", "BITCAP.NCID"}},
+};
+
+/// The indexes that lookups rely on, in the order in which they are built.
+constexpr struct {
+    TableSlot table;
+    const char* fields[3];
+} kIndexes[] = {
+    {TABLE_BITM, {"NID", "CCODE"}},  {TABLE_BBOM, {"NID", "NPID", "NCID"}},
+    {TABLE_BDWG, {"NID", "CCODE"}},  {TABLE_BITDWG, {"NID", "NPID", "NCID"}},
+    {TABLE_BCAPP, {"NID", "CCODE"}}, {TABLE_BITCAP, {"NID", "NPID", "NCID"}},
+};
+
+bool fail(KOfflineDb* db, std::int32_t code, const char* text) {
+    KOfflineDb_SetErrorText(db, code, text);
+    return false;
+}
+
+bool open_source(KOfflineDb* db, const char* path) {
+    close_package(db);
+    return KOfflineDb_OpenPackage(db, path);
+}
+
+bool load_schema(KOfflineDb* db, const char* path, KOfflineDb_SchemaState* state) {
+    char name[kFileNameSize];
+    if (!form_file_name(path, kSchemaFile, name)) return fail(db, KOFFLINE_ERR_FILE, name);
+    return read_schema(db, name, state);
+}
+
+bool require_tables(KOfflineDb* db, const KOfflineDb_SchemaState& state) {
+    for (const TableSlot table : {TABLE_BITM, TABLE_BBOM}) {
+        if (!state.declared[table]) return fail(db, KOFFLINE_ERR_TABLE, kTableNames[table]);
+    }
+    return true;
+}
+
+bool add_default_fields(KOfflineDb* db, const KOfflineDb_SchemaState& state) {
+    for (const auto& missing : kDefaultFields) {
+        if (state.declared[missing.table]) continue;
+        for (const char* field : missing.fields) {
+            if (field) KOfflineDb_AppendSchemaField(&db->tables[missing.table], field);
+        }
+    }
+    return db->error_code != KOFFLINE_ERR_MEMORY;
+}
+
+bool require_separator(KOfflineDb* db) {
+    if (db->separator[0]) return true;
+    KOfflineDb_SetError(db, KOFFLINE_ERR_SEPARATOR);
+    return false;
+}
+
+bool resolve_field(KOfflineDb* db, const WellKnownField& field, std::int32_t* slot) {
+    KOfflineTable* table = &db->tables[field.table];
+    *slot = KOfflineTable_GetFldIndex(table, field.name);
+    if (*slot < 0 && field.rule == FieldRule::added) {
+        KOfflineDb_AppendSchemaField(table, field.full_name);
+        if (db->error_code == KOFFLINE_ERR_MEMORY) return false;
+        *slot = KOfflineTable_GetFldIndex(table, field.name);
+    }
+    if (*slot >= 0 || field.rule == FieldRule::optional) return true;
+    return fail(db, KOFFLINE_ERR_FIELD, field.full_name);
+}
+
+bool resolve_fields(KOfflineDb* db) {
+    for (int slot = 0; slot < SLOT_COUNT; ++slot) {
+        if (!resolve_field(db, kWellKnownFields[slot], &db->field_slots[slot])) return false;
+    }
+    return true;
+}
+
+bool read_tables(KOfflineDb* db, const char* path) {
+    for (int table = 0; table < TABLE_COUNT; ++table) {
+        char name[kFileNameSize];
+        if (!form_file_name(path, kDataFiles[table], name)) return fail(db, KOFFLINE_ERR_FILE, name);
+        const bool optional = table != TABLE_BITM && table != TABLE_BBOM;
+        if (optional && !KOfflineDb_FileExists(db, name)) continue;
+        if (!KOfflineTable_ReadFile(&db->tables[table], name, db->separator)) return false;
+    }
+    return true;
+}
+
+bool build_indexes(KOfflineDb* db) {
+    for (const auto& index : kIndexes) {
+        for (const char* field : index.fields) {
+            if (field && !KOfflineTable_LoadIdx(&db->tables[index.table], field)) return false;
+        }
+    }
+    return true;
+}
+
+void find_root(KOfflineDb* db, const char* code) {
+    if (*code) db->root_nid = KOfflineDb_GetNIDByCCODE(db, code);
+}
+
+}  // namespace
+
+void KOfflineDb_AppendSchemaField(KOfflineTable* table, const char* name) {
+    if (!append_field(table, name)) KOfflineDb_SetError(table->db, KOFFLINE_ERR_MEMORY);
+}
+
+std::int32_t KOfflineDb_FileExists(KOfflineDb* db, const char* path) {
+    KOfflineStream stream;
+    if (!path || *path == 0 || !KOfflineStream_Open(db, path, 0, &stream)) return 0;
+    KOfflineStream_Close(db, &stream);
+    return 1;
+}
+
+std::int32_t KOfflineDb_Load(KOfflineDb* db, const char* path) {
+    if (!db) return 0;
+    if (!path) path = "";
+    db->root_nid = -1;
+    db->error_code = KOFFLINE_ERR_NONE;
+    KOfflineDb_SchemaState state;
+    if (!open_source(db, path) || !load_schema(db, path, &state)) return 0;
+    if (!require_tables(db, state) || !add_default_fields(db, state) || !require_separator(db)) return 0;
+    if (!resolve_fields(db) || !read_tables(db, path) || !build_indexes(db)) return 0;
+    find_root(db, state.root_code);
+    keep_path(db, path);
+    return 1;
+}

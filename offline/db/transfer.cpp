@@ -1,0 +1,59 @@
+// SPDX-License-Identifier: MIT
+#include "offline/db/load.h"
+#include "offline/db/stream.h"
+#include "platform/disk_stream.h"
+
+namespace {
+
+/// Bytes that a transfer moves at a time.
+constexpr std::int32_t KOfflineDb_COPY_CHUNK = 32768;
+
+bool has_package(const KOfflineDb* db) {
+    return db && db->package >= 1;
+}
+
+// A transfer tells whether it could start; a copy cut short by a full disk is the caller's to notice.
+
+void copy_out(KOfflineStream* from, std::FILE* to) {
+    char chunk[KOfflineDb_COPY_CHUNK];
+    std::int32_t length;
+    while ((length = KOfflineStream_Read(chunk, KOfflineDb_COPY_CHUNK, from)) > 0) {
+        (void)disk_write(to, chunk, static_cast<std::size_t>(length));
+    }
+}
+
+void copy_in(std::FILE* from, KOfflineStream* to) {
+    char chunk[KOfflineDb_COPY_CHUNK];
+    std::size_t length;
+    while ((length = disk_read(from, chunk, KOfflineDb_COPY_CHUNK)) > 0) {
+        KOfflineStream_Write(chunk, static_cast<std::int32_t>(length), to);
+    }
+}
+
+}  // namespace
+
+std::int32_t KOfflineDb_GetPackageFile(KOfflineDb* db, const char* stored_name, const char* disk_path) {
+    std::FILE* disk = has_package(db) && disk_path ? disk_open(disk_path, DiskMode::write) : nullptr;
+    if (!disk) return 0;
+    KOfflineStream stored;
+    const bool opened = KOfflineStream_Open(db, stored_name, 0, &stored);
+    if (opened) copy_out(&stored, disk);
+    disk_close(disk);
+    if (opened) KOfflineStream_Close(db, &stored);
+    return opened;
+}
+
+std::int32_t KOfflineDb_SavePackageFile(KOfflineDb* db, const char* disk_path, const char* stored_name) {
+    std::FILE* disk = has_package(db) && disk_path ? disk_open(disk_path, DiskMode::read) : nullptr;
+    if (!disk) return 0;
+    KOfflineStream stored;
+    const bool opened = KOfflineStream_Open(db, stored_name, 1, &stored);
+    if (opened) copy_in(disk, &stored);
+    disk_close(disk);
+    if (opened) KOfflineStream_Close(db, &stored);
+    return opened;
+}
+
+std::int32_t KOfflineDb_CheckPackageFileExist(KOfflineDb* db, const char* stored_name) {
+    return has_package(db) ? KOfflineDb_FileExists(db, stored_name) : 0;
+}
