@@ -1,0 +1,560 @@
+// SPDX-License-Identifier: MIT
+// The package store beside the limit (positioned reads and writes of the same bytes in one host file), SQLite blobs
+// without journal and sync, and the host's own file system with a file each.
+//
+//   store_bench [quick] [folder]
+
+#include <sqlite3.h>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <random>
+#include <thread>
+
+#include "measure.h"
+#include "vlt.h"
+
+namespace fs = std::filesystem;
+using bench::Contender;
+using bench::seconds_of;
+
+namespace {
+
+constexpr int piece = 32 * 1024;
+constexpr int small_file = 8 * 1024;
+constexpr int random_piece = 4 * 1024;
+
+fs::path folder;
+int rounds = 9;
+
+[[noreturn]] void fail(const char* what) {
+    std::fprintf(stderr, "store_bench: %s failed\n", what);
+    std::exit(1);
+}
+
+void need(bool holds, const char* what) {
+    if (!holds) fail(what);
+}
+
+const std::vector<char>& payload() {
+    static const std::vector<char> bytes = [] {
+        std::vector<char> b(piece);
+        std::mt19937 random(1);
+        for (char& c : b) c = static_cast<char>(random());
+        return b;
+    }();
+    return bytes;
+}
+
+std::vector<std::int64_t> random_offsets(std::int64_t size, int count) {
+    std::mt19937_64 random(7);
+    std::vector<std::int64_t> offsets(static_cast<std::size_t>(count));
+    for (auto& offset : offsets)
+        offset = static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(size / random_piece)) * random_piece;
+    return offsets;
+}
+
+std::vector<int> shuffled(int count) {
+    std::vector<int> order(static_cast<std::size_t>(count));
+    for (int i = 0; i < count; ++i) order[static_cast<std::size_t>(i)] = i;
+    std::shuffle(order.begin(), order.end(), std::mt19937(3));
+    return order;
+}
+
+std::string name_of(int i) {
+    return "drawing-" + std::to_string(i) + ".dwg";
+}
+
+/// A host file written with plain calls: the limit.
+class Raw {
+public:
+    explicit Raw(const char* name, std::int64_t size = 0) : path_(folder / name) {
+        fd_ = ::open(path_.c_str(), O_RDWR | O_CREAT | O_TRUNC, 0644);
+        need(fd_ >= 0, "creating a raw file");
+        for (std::int64_t at = 0; at < size; at += piece) write(at, piece);
+    }
+    ~Raw() {
+        ::close(fd_);
+        fs::remove(path_);
+    }
+    void write(std::int64_t at, int length) {
+        need(::pwrite(fd_, payload().data(), static_cast<std::size_t>(length), at) == length, "pwrite");
+    }
+    void read(std::int64_t at, int length) {
+        char buffer[piece];
+        need(::pread(fd_, buffer, static_cast<std::size_t>(length), at) == length, "pread");
+    }
+
+private:
+    fs::path path_;
+    int fd_;
+};
+
+/// A package, created anew.
+class Package {
+public:
+    Package(const char* name, int size_mb) : path_(folder / name) {
+        need(vlt_package_create(path_.c_str(), 0, size_mb, nullptr, nullptr) == 1, "vlt_package_create");
+        open();
+    }
+    ~Package() {
+        vlt_package_close(handle_);
+        fs::remove(path_);
+    }
+    void open() {
+        need((handle_ = vlt_package_open(path_.c_str(), 0, 0, nullptr, nullptr, nullptr, nullptr)) > 0,
+             "vlt_package_open");
+    }
+    void close() { vlt_package_close(handle_); }
+    const fs::path& path() const { return path_; }
+
+    std::uint32_t open_file(const std::string& name, std::uint32_t mode) {
+        const auto file = vlt_file_open(handle_, name.c_str(), mode, 0, 0, nullptr);
+        need(file > 0, "vlt_file_open");
+        return static_cast<std::uint32_t>(file);
+    }
+    void append(std::uint32_t file, std::int64_t size) {
+        for (std::int64_t at = 0; at < size; at += piece)
+            need(vlt_file_write(file, payload().data(), piece) == 1, "vlt_file_write");
+    }
+    void write_small_files(int count) {
+        for (int i = 0; i < count; ++i) {
+            const std::uint32_t file = open_file(name_of(i), VLT_MODE_WRITE);
+            need(vlt_file_write(file, payload().data(), small_file) == 1, "vlt_file_write");
+            vlt_file_close(file);
+        }
+    }
+    void delete_small_files(int count) {
+        for (int i = 0; i < count; ++i) need(vlt_file_delete(handle_, name_of(i).c_str()) == 1, "vlt_file_delete");
+    }
+    void read_small_files(const std::vector<int>& order) {
+        char buffer[small_file];
+        for (const int i : order) {
+            const std::uint32_t file = open_file(name_of(i), VLT_MODE_READ);
+            need(vlt_file_read(file, buffer, small_file) == small_file, "vlt_file_read");
+            vlt_file_close(file);
+        }
+    }
+    void at_offsets(std::uint32_t file, const std::vector<std::int64_t>& offsets, bool write) {
+        char buffer[random_piece];
+        for (const std::int64_t offset : offsets) {
+            vlt_file_set_pos(file, offset);
+            need(write ? vlt_file_write(file, payload().data(), random_piece) == 1
+                       : vlt_file_read(file, buffer, random_piece) == random_piece,
+                 "a random transfer");
+        }
+    }
+
+private:
+    fs::path path_;
+    std::int32_t handle_ = 0;
+};
+
+/// Files as blobs of one SQLite database, with journal and sync off.
+class Blobs {
+public:
+    explicit Blobs(const char* name) : path_(folder / name) {
+        fs::remove(path_);
+        need(sqlite3_open(path_.c_str(), &db_) == SQLITE_OK, "sqlite3_open");
+        run("PRAGMA journal_mode=OFF; PRAGMA synchronous=OFF; PRAGMA locking_mode=EXCLUSIVE; PRAGMA page_size=4096;"
+            "CREATE TABLE f(name TEXT PRIMARY KEY, data BLOB)");
+        sqlite3_prepare_v2(db_, "INSERT OR REPLACE INTO f VALUES(?1,?2)", -1, &insert_, nullptr);
+        sqlite3_prepare_v2(db_, "SELECT data FROM f WHERE name=?1", -1, &select_, nullptr);
+        sqlite3_prepare_v2(db_, "DELETE FROM f WHERE name=?1", -1, &delete_, nullptr);
+    }
+    ~Blobs() {
+        for (sqlite3_stmt* s : {insert_, select_, delete_}) sqlite3_finalize(s);
+        sqlite3_close(db_);
+        fs::remove(path_);
+    }
+    void put_zeros(const std::string& name, std::int64_t size) {
+        bind(insert_, name);
+        sqlite3_bind_zeroblob64(insert_, 2, static_cast<sqlite3_uint64>(size));
+        step(insert_);
+    }
+    void put(const std::string& name) {
+        bind(insert_, name);
+        sqlite3_bind_blob(insert_, 2, payload().data(), small_file, SQLITE_STATIC);
+        step(insert_);
+    }
+    void get(const std::string& name) {
+        bind(select_, name);
+        char buffer[small_file];
+        need(sqlite3_step(select_) == SQLITE_ROW, "select");
+        std::memcpy(buffer, sqlite3_column_blob(select_, 0), small_file);
+        sqlite3_reset(select_);
+    }
+    void drop(const std::string& name) {
+        bind(delete_, name);
+        step(delete_);
+    }
+    /// One stored blob for incremental transfers.
+    sqlite3_blob* blob() {
+        sqlite3_blob* b = nullptr;
+        need(sqlite3_blob_open(db_, "main", "f", "data", 1, 1, &b) == SQLITE_OK, "sqlite3_blob_open");
+        return b;
+    }
+
+private:
+    void run(const char* sql) { need(sqlite3_exec(db_, sql, nullptr, nullptr, nullptr) == SQLITE_OK, sql); }
+    void bind(sqlite3_stmt* s, const std::string& name) {
+        sqlite3_bind_text(s, 1, name.c_str(), -1, SQLITE_TRANSIENT);
+    }
+    void step(sqlite3_stmt* s) {
+        need(sqlite3_step(s) == SQLITE_DONE, "a statement");
+        sqlite3_reset(s);
+    }
+    fs::path path_;
+    sqlite3* db_ = nullptr;
+    sqlite3_stmt *insert_ = nullptr, *select_ = nullptr, *delete_ = nullptr;
+};
+
+/// The host's own file system, a file each.
+class Files {
+public:
+    Files() : path_(folder / "files") { fs::create_directories(path_); }
+    ~Files() { fs::remove_all(path_); }
+    void put(const std::string& name) {
+        const int fd = ::open((path_ / name).c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0644);
+        need(fd >= 0 && ::write(fd, payload().data(), small_file) == small_file, "writing a file");
+        ::close(fd);
+    }
+    void get(const std::string& name) {
+        char buffer[small_file];
+        const int fd = ::open((path_ / name).c_str(), O_RDONLY);
+        need(fd >= 0 && ::read(fd, buffer, small_file) == small_file, "reading a file");
+        ::close(fd);
+    }
+    void drop(const std::string& name) { ::unlink((path_ / name).c_str()); }
+
+private:
+    fs::path path_;
+};
+
+void raw_pieces(Raw& raw, std::int64_t size, bool write) {
+    for (std::int64_t at = 0; at < size; at += piece) write ? raw.write(at, piece) : raw.read(at, piece);
+}
+
+double package_write(std::int64_t size, bool has_room) {
+    Package package("w.vlt", has_room ? static_cast<int>(size >> 20) + 2 : 1);
+    const std::uint32_t file = package.open_file("big", VLT_MODE_WRITE);
+    return seconds_of([&] { package.append(file, size); });
+}
+
+void large_file_rows(std::int64_t size, int lookups) {
+    const std::string mib = std::to_string(size >> 20) + " MiB";
+    Raw raw("raw.bin", size);
+    bench::row("W1 " + mib + " in 32 KiB pieces, room is there",
+               {{"raw", [&] { return seconds_of([&] { raw_pieces(raw, size, true); }); }},
+                {"library", [&] { return package_write(size, true); }},
+                {"SQLite blob",
+                 [&] {
+                     Blobs blobs("w.db");
+                     blobs.put_zeros("big", size);
+                     sqlite3_blob* b = blobs.blob();
+                     const double s = seconds_of([&] {
+                         for (std::int64_t at = 0; at < size; at += piece)
+                             need(sqlite3_blob_write(b, payload().data(), piece, static_cast<int>(at)) == SQLITE_OK,
+                                  "blob write");
+                     });
+                     sqlite3_blob_close(b);
+                     return s;
+                 }}},
+               rounds, "1.60");
+    bench::row("W2 " + mib + " into a package that grows",
+               {{"raw, growing",
+                 [&] {
+                     Raw grows("g.bin");
+                     return seconds_of([&] { raw_pieces(grows, size, true); });
+                 }},
+                {"library", [&] { return package_write(size, false); }}},
+               rounds, "1.30");
+
+    Package package("r.vlt", static_cast<int>(size >> 20) + 2);
+    const std::uint32_t file = package.open_file("big", VLT_MODE_WRITE);
+    package.append(file, size);
+    Blobs blobs("r.db");
+    blobs.put_zeros("big", size);
+    sqlite3_blob* b = blobs.blob();
+    bench::row("R1 read it in 32 KiB pieces",
+               {{"raw", [&] { return seconds_of([&] { raw_pieces(raw, size, false); }); }},
+                {"library",
+                 [&] {
+                     vlt_file_set_pos_bof(file);
+                     std::vector<char> buffer(piece);
+                     return seconds_of([&] {
+                         while (vlt_file_read(file, buffer.data(), piece) > 0) {
+                         }
+                     });
+                 }},
+                {"SQLite blob",
+                 [&] {
+                     std::vector<char> buffer(piece);
+                     return seconds_of([&] {
+                         for (std::int64_t at = 0; at < size; at += piece)
+                             need(sqlite3_blob_read(b, buffer.data(), piece, static_cast<int>(at)) == SQLITE_OK,
+                                  "blob read");
+                     });
+                 }}},
+               rounds, "1.10");
+    const auto offsets = random_offsets(size, lookups);
+    for (const bool write : {false, true})
+        bench::row(write ? "U1 random 4 KiB overwrites" : "R2 random 4 KiB reads",
+                   {{"raw",
+                     [&] {
+                         return seconds_of([&] {
+                             for (auto o : offsets) write ? raw.write(o, random_piece) : raw.read(o, random_piece);
+                         });
+                     }},
+                    {"library", [&] { return seconds_of([&] { package.at_offsets(file, offsets, write); }); }}},
+                   rounds, "1.15");
+    sqlite3_blob_close(b);
+}
+
+void small_file_rows(int count) {
+    const std::string n = std::to_string(count);
+    const int room = count * (small_file + 1024) / 1048576 + 2;
+    const std::int64_t size = std::int64_t{count} * small_file;
+    Raw raw("raw.bin", size);
+    const auto order = shuffled(count);
+    const auto raw_small = [&](bool write) {
+        return seconds_of([&] {
+            for (const int i : order)
+                write ? raw.write(std::int64_t{i} * small_file, small_file)
+                      : raw.read(std::int64_t{i} * small_file, small_file);
+        });
+    };
+    const auto raw_in_order = [&] {
+        return seconds_of([&] {
+            for (int i = 0; i < count; ++i) raw.write(std::int64_t{i} * small_file, small_file);
+        });
+    };
+    bench::row("W3 " + n + " files of 8 KiB",
+               {{"raw", raw_in_order},
+                {"library",
+                 [&] {
+                     Package p("s.vlt", room);
+                     return seconds_of([&] { p.write_small_files(count); });
+                 }},
+                {"SQLite blobs",
+                 [&] {
+                     Blobs b("s.db");
+                     return seconds_of([&] {
+                         for (int i = 0; i < count; ++i) b.put(name_of(i));
+                     });
+                 }},
+                {"files",
+                 [&] {
+                     Files f;
+                     return seconds_of([&] {
+                         for (int i = 0; i < count; ++i) f.put(name_of(i));
+                     });
+                 }}},
+               rounds, "3.00");
+
+    Package package("s.vlt", room);
+    package.write_small_files(count);
+    Blobs blobs("s.db");
+    Files files;
+    for (int i = 0; i < count; ++i) blobs.put(name_of(i)), files.put(name_of(i));
+    bench::row("R3 open, read, close them in random order",
+               {{"raw", [&] { return raw_small(false); }},
+                {"library", [&] { return seconds_of([&] { package.read_small_files(order); }); }},
+                {"SQLite blobs",
+                 [&] {
+                     return seconds_of([&] {
+                         for (const int i : order) blobs.get(name_of(i));
+                     });
+                 }},
+                {"files",
+                 [&] {
+                     return seconds_of([&] {
+                         for (const int i : order) files.get(name_of(i));
+                     });
+                 }}},
+               rounds, "1.20");
+    bench::row("D1 delete them and write them again",
+               {{"raw", raw_in_order},
+                {"library",
+                 [&] {
+                     return seconds_of([&] {
+                         package.delete_small_files(count);
+                         package.write_small_files(count);
+                     });
+                 }},
+                {"SQLite blobs",
+                 [&] {
+                     return seconds_of([&] {
+                         for (int i = 0; i < count; ++i) blobs.drop(name_of(i));
+                         for (int i = 0; i < count; ++i) blobs.put(name_of(i));
+                     });
+                 }},
+                {"files",
+                 [&] {
+                     return seconds_of([&] {
+                         for (int i = 0; i < count; ++i) files.drop(name_of(i));
+                         for (int i = 0; i < count; ++i) files.put(name_of(i));
+                     });
+                 }}},
+               rounds, "3.50");
+
+    package.close();
+    const int header_blocks = (101 + 4 * room * 256 + 4095) / 4096, directory_blocks = count * 550 / 4096 + 1;
+    bench::row(
+        "O1 open and close that package",
+        {{"raw block reads",
+          [&] {
+              return seconds_of([&] {
+                  const int fd = ::open(package.path().c_str(), O_RDONLY);
+                  std::vector<char> image(static_cast<std::size_t>(header_blocks + directory_blocks) * 4096);
+                  for (int i = 0; i < header_blocks + directory_blocks; ++i)
+                      need(::pread(fd, image.data() + std::int64_t{i} * 4096, 4096, std::int64_t{i} * 4096) == 4096,
+                           "pread");
+                  ::close(fd);
+              });
+          }},
+         {"library",
+          [&] {
+              return seconds_of([&] {
+                  package.open();
+                  package.close();
+              });
+          }}},
+        rounds * 3, "2.00");
+    package.open();
+}
+
+/// Cost of one operation at two sizes.
+void growth_row(const char* work, double small, double small_count, double large, double large_count) {
+    bench::print_row(work, small, "library, larger", (large / large_count) / (small / small_count), "1.30");
+}
+
+void growth_rows(bool quick) {
+    const std::int64_t small = 16 << 20, large = (quick ? 256LL : 1024LL) << 20;
+    const auto write = bench::medians(
+        {{"", [&] { return package_write(small, true); }}, {"", [&] { return package_write(large, true); }}}, 5);
+    growth_row("growth of W1", write[0], static_cast<double>(small), write[1], static_cast<double>(large));
+
+    std::vector<double> read, random;
+    for (const std::int64_t size : {small, large}) {
+        Package p("l.vlt", static_cast<int>(size >> 20) + 2);
+        const auto file = p.open_file("big", VLT_MODE_WRITE);
+        p.append(file, size);
+        std::vector<char> buffer(piece);
+        const auto offsets = random_offsets(size, 20000);
+        const auto m = bench::medians({{"",
+                                        [&] {
+                                            vlt_file_set_pos_bof(file);
+                                            return seconds_of([&] {
+                                                while (vlt_file_read(file, buffer.data(), piece) > 0) {
+                                                }
+                                            });
+                                        }},
+                                       {"", [&] { return seconds_of([&] { p.at_offsets(file, offsets, false); }); }}},
+                                      5);
+        read.push_back(m[0]);
+        random.push_back(m[1]);
+    }
+    growth_row("growth of R1", read[0], static_cast<double>(small), read[1], static_cast<double>(large));
+    growth_row("growth of R2", random[0], 1, random[1], 1);
+
+    const int few = 1000, many = quick ? 10000 : 100000;
+    std::vector<double> files, reads;
+    for (const int count : {few, many}) {
+        const auto order = shuffled(count);
+        const int room = count * (small_file + 1024) / 1048576 + 2;
+        files.push_back(bench::medians({{"",
+                                         [&] {
+                                             Package p("f.vlt", room);
+                                             return seconds_of([&] { p.write_small_files(count); });
+                                         }}},
+                                       5)[0]);
+        Package p("f.vlt", room);
+        p.write_small_files(count);
+        reads.push_back(bench::medians({{"", [&] { return seconds_of([&] { p.read_small_files(order); }); }}}, 5)[0]);
+    }
+    growth_row("growth of W3", files[0], few, files[1], many);
+    growth_row("growth of R3", reads[0], few, reads[1], many);
+}
+
+/// Speed-up of two threads over one, in wall time: the same work twice, one after the other or side by side.
+template <typename Work>
+double speed_up(Work work) {
+    std::vector<double> ratios;
+    for (int round = 0; round < rounds; ++round) {
+        double start = bench::wall_seconds();
+        work(0);
+        work(1);
+        const double one = bench::wall_seconds() - start;
+        start = bench::wall_seconds();
+        std::thread other([&] { work(1); });
+        work(0);
+        other.join();
+        ratios.push_back(one / (bench::wall_seconds() - start));
+    }
+    return bench::median(ratios);
+}
+
+void thread_row() {
+    const std::int64_t size = 64 << 20;
+    Raw raw[2] = {Raw("t0.bin", size), Raw("t1.bin", size)};
+    Package package[2] = {{"t0.vlt", 66}, {"t1.vlt", 66}};
+    std::uint32_t file[2];
+    for (int i = 0; i < 2; ++i) {
+        file[i] = package[i].open_file("big", VLT_MODE_WRITE);
+        package[i].append(file[i], size);
+    }
+    const double limit = speed_up([&](int i) { raw_pieces(raw[i], size, false); });
+    const double reached = speed_up([&](int i) {
+        std::vector<char> buffer(piece);
+        vlt_file_set_pos_bof(file[i]);
+        while (vlt_file_read(file[i], buffer.data(), piece) > 0) {
+        }
+    });
+    std::printf("two threads on two packages: raw speed-up %.2f, library %.2f, share reached %.2f (goal 0.90)\n",
+                limit, reached, reached / limit);
+}
+
+/// Memory that the process has taken, in KiB.
+long resident_kib() {
+    long pages = 0, resident = 0;
+    if (std::FILE* f = std::fopen("/proc/self/statm", "r")) {
+        if (std::fscanf(f, "%ld %ld", &pages, &resident) != 2) resident = 0;
+        std::fclose(f);
+    }
+    return resident * ::sysconf(_SC_PAGESIZE) / 1024;
+}
+
+void memory_row() {
+    Package package("m.vlt", 258);
+    const std::uint32_t file = package.open_file("big", VLT_MODE_WRITE);
+    const long before = resident_kib();
+    package.append(file, 256 << 20);
+    std::printf("memory taken while a 256 MiB file was written: %ld KiB (goal 4096)\n", resident_kib() - before);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    bool quick = false;
+    folder = fs::temp_directory_path() / ("store_bench." + std::to_string(::getpid()));
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "quick") == 0)
+            quick = true;
+        else
+            folder = fs::path(argv[i]) / ("store_bench." + std::to_string(::getpid()));
+    }
+    if (quick) rounds = 3;
+    fs::create_directories(folder);
+    memory_row();
+    bench::print_heading("reference");
+    large_file_rows(quick ? 64 << 20 : 256 << 20, quick ? 20000 : 100000);
+    small_file_rows(quick ? 2000 : 10000);
+    growth_rows(quick);
+    thread_row();
+    fs::remove_all(folder);
+}
