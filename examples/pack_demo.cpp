@@ -292,7 +292,8 @@ public:
             if (column % columns == 0) std::printf("%s         ", column ? "\n" : "");
             print_cell(block, std::min(block + cell, kinds_.size()));
         }
-        if (cell > 1) std::printf("\n         each letter stands for %zu blocks", cell);
+        if (cell > 1)
+            std::printf("\n         each sign stands for up to %zu blocks, ▓ for blocks of several kinds", cell);
         std::printf("\n");
     }
 
@@ -302,7 +303,7 @@ private:
     /// The header run holds the map, and the map tells where the header run goes on.
     void read_header() {
         std::size_t block = 0;
-        for (std::size_t blocks = 0; block < kinds_.size() && blocks < kinds_.size(); ++blocks) {
+        for (std::size_t steps = 0; block < kinds_.size() && steps < kinds_.size(); ++steps) {
             char bytes[VLT_BLOCK_SIZE];
             in_.seekg(static_cast<std::streamoff>(block) * VLT_BLOCK_SIZE).read(bytes, sizeof bytes);
             header_.insert(header_.end(), bytes, bytes + sizeof bytes);
@@ -330,15 +331,12 @@ private:
         }
     }
 
-    /// A cell shows the rarest kind in it, so that single blocks of the header and directory are seen.
     void print_cell(std::size_t from, std::size_t to) const {
-        for (const char kind : {kHeader, kDirectory, kFile, kFree})
-            if (std::find(kinds_.begin() + static_cast<std::ptrdiff_t>(from),
-                          kinds_.begin() + static_cast<std::ptrdiff_t>(to),
-                          kind) != kinds_.begin() + static_cast<std::ptrdiff_t>(to)) {
-                std::fputs(kind == kFile ? "█" : kind == kFree ? "░" : kind == kHeader ? "H" : "D", stdout);
-                return;
-            }
+        const char kind = kinds_[from];
+        const bool alike =
+            std::all_of(kinds_.begin() + static_cast<std::ptrdiff_t>(from),
+                        kinds_.begin() + static_cast<std::ptrdiff_t>(to), [&](char other) { return other == kind; });
+        std::fputs(!alike ? "▓" : kind == kFile ? "█" : kind == kFree ? "░" : kind == kHeader ? "H" : "D", stdout);
     }
 
     std::ifstream in_;
