@@ -49,8 +49,9 @@ vlt_suite(inner_tests inner vlt_objects)
 vlt_suite(fault_tests faults vlt_objects)
 if(TARGET fault_tests)
     foreach(function IN ITEMS
-            heap_alloc heap_alloc_zeroed heap_resize mutex_create
-            host_open host_read host_write host_size host_extend
+            heap_alloc heap_alloc_zeroed heap_resize heap_free
+            mutex_create mutex_destroy mutex_lock mutex_unlock
+            host_open host_close host_read host_write host_size host_extend
             disk_open disk_read disk_write disk_size disk_close)
         target_link_options(fault_tests PRIVATE LINKER:--wrap=${function})
     endforeach()
