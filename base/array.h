@@ -5,6 +5,7 @@
 
 #include <cstring>
 #include <type_traits>
+#include <utility>
 
 #include "base/heap.h"
 
@@ -56,6 +57,12 @@ public:
         if (!reserve(size_ + 1)) return false;
         data_[size_++] = element;
         return true;
+    }
+
+    void swap(Array& other) {
+        std::swap(data_, other.data_);
+        std::swap(size_, other.size_);
+        std::swap(capacity_, other.capacity_);
     }
 
     /// Forgets elements from the end; never allocates.

@@ -109,20 +109,7 @@ bool count_free_blocks(vlt_store& store) {
     return true;
 }
 
-/// Takes the lowest free block out of the free ones. There must be one.
-std::int32_t take_free_block(vlt_store& store) {
-    const std::size_t block = store.free_blocks.lowest();
-    store.free_blocks.remove(block);
-    return static_cast<std::int32_t>(block);
-}
-
 }  // namespace
-
-bool vlt_blocks_free(vlt_store& store, std::int32_t* count) {
-    if (!count_free_blocks(store)) return false;
-    *count = static_cast<std::int32_t>(store.free_blocks.count());
-    return true;
-}
 
 namespace {
 
@@ -133,69 +120,89 @@ void drop_unfinished_end(vlt_store& store, vlt_chain& chain, std::int32_t kept) 
         if (!(store.map_word(chain.run_at(position).block) & VLT_BLOCK_USED)) return chain.shorten(position);
 }
 
-/// Marks `count` free blocks as used and links them to each other, in the image; the chain knows them afterwards.
-/// False when memory runs out, and then the chain knows only some of them.
-bool take_blocks(vlt_store& store, vlt_chain& chain, std::int32_t count) {
-    for (std::int32_t last = -1, i = 0; i < count; ++i) {
-        const std::int32_t block = take_free_block(store);
-        if (!chain.append(block)) {
-            store.free_blocks.add(static_cast<std::size_t>(block));
-            return false;
-        }
-        store.set_map_word(block, VLT_BLOCK_USED);
-        if (last >= 0) store.set_map_word(last, linked_to(VLT_BLOCK_USED, block));
-        last = block;
+}  // namespace
+
+/// Counts blocks that the bytes to be written will bring into being. Only where they fill all of them, and where the
+/// map has room for their words; this saves writing zeros that are overwritten at once.
+bool vlt_chain_extension::grow_unwritten(std::int32_t count) {
+    const std::int32_t blocks = store_.block_count;
+    if (count > vlt_map_capacity(store_.header_blocks()) - blocks || count > VLT_BLOCKS_MAX - blocks) return false;
+    if (!store_.free_blocks.set_limit(static_cast<std::size_t>(blocks) + static_cast<std::size_t>(count)))
+        return false;
+    if (!store_.own_blocks.set_limit(static_cast<std::size_t>(blocks) + static_cast<std::size_t>(count)))
+        return false;
+    for (std::int32_t i = 0; i < count; ++i) store_.free_blocks.add(static_cast<std::size_t>(blocks + i));
+    unwritten_from_ = blocks;
+    store_.block_count = blocks + count;
+    return true;
+}
+
+bool vlt_chain_extension::take_blocks(std::int32_t count) {
+    for (std::int32_t last = before_, i = 0; i < count; ++i) {
+        const std::size_t block = store_.free_blocks.lowest();
+        if (!chain_.append(static_cast<std::int32_t>(block))) return false;
+        store_.free_blocks.remove(block);
+        store_.set_map_word(static_cast<std::int32_t>(block), VLT_BLOCK_USED);
+        if (last >= 0) store_.set_map_word(last, linked_to(store_.map_word(last), static_cast<std::int32_t>(block)));
+        last = static_cast<std::int32_t>(block);
     }
     return true;
 }
 
-/// Gives the blocks of the chain from `position` on back, in the image.
-void return_blocks(vlt_store& store, vlt_chain& chain, std::int32_t position) {
-    for (std::int32_t p = position; p < chain.length(); ++p) {
-        const std::int32_t block = chain.run_at(p).block;
-        store.set_map_word(block, 0);
-        store.free_blocks.add(static_cast<std::size_t>(block));
-    }
-    chain.shorten(position);
+bool vlt_chain_extension::take(std::int32_t kept, std::int32_t count) {
+    if (!count_free_blocks(store_) || !learn(store_, chain_, store_.block_count)) return false;
+    if (chain_.length() >= store_.block_count) return false;  // it loops: there is no end to link to
+    drop_unfinished_end(store_, chain_, kept);
+    old_length_ = chain_.length();
+    before_ = old_length_ > 0 ? chain_.last_block() : -1;
+    old_word_ = before_ >= 0 ? store_.map_word(before_) : 0;
+
+    const std::int32_t missing = count - static_cast<std::int32_t>(store_.free_blocks.count());
+    const bool filled_at_once = old_length_ == kept;
+    if (missing > 0 && !(filled_at_once && grow_unwritten(missing)) && !vlt_package_grow(store_, count)) return false;
+    return take_blocks(count);
 }
 
-/// Writes the words of the blocks from `position` on, and then the link to them from the block before. The link goes
-/// last, or in one piece with the words right after it, so that no link ever leads to a block that looks free.
-bool put_new_blocks(vlt_store& store, vlt_chain& chain, std::int32_t position) {
-    const std::int32_t before = position > 0 ? chain.run_at(position - 1).block : -1;
-    bool link_written = before < 0;
-    for (std::int32_t p = position; p < chain.length();) {
-        const vlt_run run = chain.run_at(p);
-        const bool with_link =
-            !link_written && p == position && run.block == before + 1 && run.count == chain.length() - p;
-        if (!put_map_words(store, with_link ? before : run.block, run.count + (with_link ? 1 : 0))) return false;
+vlt_chain_extension::~vlt_chain_extension() {
+    if (old_length_ < 0) return;
+    for (std::int32_t position = old_length_; position < chain_.length(); ++position) {
+        const std::int32_t block = chain_.run_at(position).block;
+        store_.set_map_word(block, 0);
+        store_.free_blocks.add(static_cast<std::size_t>(block));
+    }
+    chain_.shorten(old_length_);
+    if (before_ >= 0) store_.set_map_word(before_, old_word_);
+    if (unwritten_from_ == 0) return;
+    for (std::int32_t block = unwritten_from_; block < store_.block_count; ++block)
+        store_.free_blocks.remove(static_cast<std::size_t>(block));
+    store_.block_count = unwritten_from_;
+}
+
+/// The link to the new blocks is written last, or in one piece with the words right after it.
+bool vlt_chain_extension::put_map_words_of_new_blocks() {
+    bool link_written = before_ < 0;
+    for (std::int32_t position = old_length_; position < chain_.length();) {
+        const vlt_run run = chain_.run_at(position);
+        const bool with_link = !link_written && run.block == before_ + 1 && position + run.count == chain_.length();
+        if (!put_map_words(store_, with_link ? before_ : run.block, run.count + (with_link ? 1 : 0))) return false;
         link_written = link_written || with_link;
-        p += run.count;
+        position += run.count;
     }
-    return link_written || put_map_words(store, before, 1);
+    return link_written || put_map_words(store_, before_, 1);
 }
 
-}  // namespace
-
-bool vlt_chain_extend(vlt_store& store, vlt_chain& chain, std::int32_t kept, std::int32_t count) {
-    if (!count_free_blocks(store) || store.free_blocks.count() < static_cast<std::size_t>(count)) return false;
-    if (!learn(store, chain, store.block_count)) return false;
-    if (chain.length() >= store.block_count) return false;  // it loops: there is no end to link to
-    drop_unfinished_end(store, chain, kept);
-
-    const std::int32_t old_length = chain.length();
-    if (!take_blocks(store, chain, count)) {
-        return_blocks(store, chain, old_length);
-        return false;
+bool vlt_chain_extension::finish(std::int64_t end) {
+    if (old_length_ < 0) return true;
+    const std::int64_t rest = (VLT_BLOCK_SIZE - end % VLT_BLOCK_SIZE) % VLT_BLOCK_SIZE;
+    const std::int64_t host_end = host_offset(store_, store_.block_count);
+    if (unwritten_from_ != 0 && rest > 0 && !host_extend(store_.fd, host_end - rest, rest)) return false;
+    unwritten_from_ = 0;
+    if (put_map_words_of_new_blocks()) {
+        old_length_ = -1;
+        return true;
     }
-    const std::int32_t before = old_length > 0 ? chain.run_at(old_length - 1).block : -1;
-    const std::uint32_t old_word = before >= 0 ? store.map_word(before) : 0;
-    if (before >= 0) store.set_map_word(before, linked_to(old_word, chain.run_at(old_length).block));
-    if (put_new_blocks(store, chain, old_length)) return true;
-
-    // The new words may be in the host file or not; the blocks stay used here, so that nothing else takes them.
-    if (before >= 0) store.set_map_word(before, old_word);
-    chain.shorten(old_length);
+    // Some of the words may be in the host file: the blocks stay in use here, so that nothing else takes them.
+    chain_.shorten(old_length_);
     return false;
 }
 
@@ -233,14 +240,7 @@ namespace {
 /// Makes the host file `count` zero blocks longer. The first of them begins where the last whole block ends, over
 /// what a host file that ended in a partial block holds there.
 bool append_blocks(vlt_store& store, std::int32_t count) {
-    const std::int64_t end = host_offset(store, store.block_count);
-    if (store.trailing > 0) {
-        static const char zeros[VLT_BLOCK_SIZE] = {};
-        if (!host_write(store.fd, end, zeros, static_cast<std::size_t>(store.trailing))) return false;
-    }
-    if (!host_extend(store.fd, end, std::int64_t{count} * VLT_BLOCK_SIZE)) return false;
-    store.trailing = 0;
-    return true;
+    return host_extend(store.fd, host_offset(store, store.block_count), std::int64_t{count} * VLT_BLOCK_SIZE);
 }
 
 /// Counts one more block of the host file as free.
@@ -337,7 +337,7 @@ bool vlt_dir_extend(vlt_store& store) {
     const std::uint32_t last_word = store.map_word(last);
     bool done = store.directory_chain.append(block);
     if (done) {
-        take_free_block(store);
+        store.free_blocks.remove(static_cast<std::size_t>(block));
         store.set_map_word(block, VLT_BLOCK_USED);
         store.set_map_word(last, linked_to(last_word, block));
         done = put_map_words(store, block, 1) && put_map_words(store, last, 1);

@@ -28,7 +28,6 @@ struct vlt_store {
     HostMutex* mutex = nullptr;
     int fd = -1;
     std::int64_t base_offset = 0;   // where block 0 lies in the host file
-    std::int64_t trailing = 0;      // bytes of a partial block at the end of the host file
     bool file_read_only = false;    // the host file was opened for reading only
     bool wide_names = false;        //
     std::int32_t block_count = 0;   // blocks that the host file holds
@@ -81,17 +80,43 @@ bool vlt_chain_write(vlt_store& store, vlt_chain& chain, std::int64_t offset, co
 /// when that is no block that a stored file can own, or memory runs out.
 bool vlt_chain_begin(vlt_store& store, vlt_chain& chain, std::uint32_t first_block);
 
-/// Adds `count` free blocks to a data chain, lowest index first, and writes the map words through. `kept` is how many
-/// blocks of the chain hold stored bytes. False when there are not that many free blocks (nothing has changed) or
-/// the host file fails (blocks may stay in use that no chain holds).
-bool vlt_chain_extend(vlt_store& store, vlt_chain& chain, std::int32_t kept, std::int32_t count);
+/// Blocks on their way into a data chain. They are taken in memory first, so that the bytes they are taken for can be
+/// written; only then does the host file's map name them. So a host file that fails, or a process that ends, leaves
+/// at the worst blocks in use that no chain holds, and never a chain that leads to a free block.
+class vlt_chain_extension {
+public:
+    vlt_chain_extension(vlt_store& store, vlt_chain& chain) : store_(store), chain_(chain) {}
+    vlt_chain_extension(const vlt_chain_extension&) = delete;
+    vlt_chain_extension& operator=(const vlt_chain_extension&) = delete;
+
+    /// Gives blocks that were not finished back.
+    ~vlt_chain_extension();
+
+    /// Takes `count` free blocks, lowest index first, growing the package when there are too few. `kept` is how many
+    /// blocks of the chain hold stored bytes. False when the package cannot grow, the chain has no end, or memory
+    /// runs out; nothing is taken then.
+    bool take(std::int32_t kept, std::int32_t count);
+
+    /// Writes the map words through, after the chain's bytes were written up to the offset `end`. False when the host
+    /// file fails; the blocks stay in use then, and no chain holds them.
+    bool finish(std::int64_t end);
+
+private:
+    bool grow_unwritten(std::int32_t count);
+    bool take_blocks(std::int32_t count);
+    bool put_map_words_of_new_blocks();
+
+    vlt_store& store_;
+    vlt_chain& chain_;
+    std::int32_t old_length_ = -1;     // of the chain; -1 when nothing is taken
+    std::int32_t before_ = -1;         // the block that gets the link to the new ones, -1 for none
+    std::uint32_t old_word_ = 0;       // its map word
+    std::int32_t unwritten_from_ = 0;  // blocks from this one on are counted, but not yet in the host file; 0: none
+};
 
 /// Frees the data chain that starts at a block number; 0 frees nothing. The walk ends at the first block that no
 /// stored file can own. False when the host file fails; the blocks not yet reached stay in use.
 bool vlt_chain_release(vlt_store& store, std::uint32_t first_block);
-
-/// Number of free blocks; false when memory runs out.
-bool vlt_blocks_free(vlt_store& store, std::int32_t* count);
 
 /// Makes the package larger until `wanted` blocks are free. False when the host file fails or the block numbers are
 /// used up; blocks added until then stay.

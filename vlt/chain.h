@@ -22,43 +22,52 @@ public:
     std::int32_t length() const { return length_; }
     bool empty() const { return length_ == 0; }
 
-    std::int32_t first_block() const { return parts_[0].block; }
-    std::int32_t last_block() const { return parts_.back().block + (length_ - 1 - parts_.back().position); }
+    std::int32_t first_block() const { return start_; }
+    std::int32_t last_block() const { return last_; }
 
     /// Adds the block that follows the last known one; false when memory runs out.
     [[nodiscard]] bool append(std::int32_t block) {
-        if (length_ == 0 || block != last_block() + 1)
-            if (!parts_.push_back({length_, block})) return false;
+        if (length_ == 0) {
+            start_ = block;
+        } else if (block != last_ + 1) {
+            if (!breaks_.push_back({length_, block})) return false;
+        }
+        last_ = block;
         ++length_;
         return true;
     }
 
     /// The run that holds the block at `position`, from that block on; the position must be known.
     vlt_run run_at(std::int32_t position) const {
-        const Part* after = std::upper_bound(parts_.begin(), parts_.end(), position,
-                                             [](std::int32_t p, const Part& part) { return p < part.position; });
-        const Part& part = after[-1];
-        const std::int32_t end = after == parts_.end() ? length_ : after->position;
-        return {part.block + (position - part.position), end - position};
+        const Break* after = std::upper_bound(breaks_.begin(), breaks_.end(), position,
+                                              [](std::int32_t p, const Break& b) { return p < b.position; });
+        const Break run = after == breaks_.begin() ? Break{0, start_} : after[-1];
+        const std::int32_t end = after == breaks_.end() ? length_ : after->position;
+        return {run.block + (position - run.position), end - position};
     }
 
     /// Forgets the blocks from `length` on.
     void shorten(std::int32_t length) {
-        while (!parts_.empty() && parts_.back().position >= length) parts_.shrink(parts_.size() - 1);
-        length_ = std::min(length_, length);
+        if (length >= length_) return;
+        if (length > 0) last_ = run_at(length - 1).block;
+        while (!breaks_.empty() && breaks_.back().position >= length) breaks_.shrink(breaks_.size() - 1);
+        length_ = length;
     }
 
     /// Forgets everything.
     void clear() {
-        parts_.clear();
+        breaks_.clear();
         length_ = 0;
     }
 
 private:
-    struct Part {
+    /// A block that does not lie right after the one before it.
+    struct Break {
         std::int32_t position;  // in the chain, counted in blocks
         std::int32_t block;
     };
-    Array<Part> parts_;
+    Array<Break> breaks_;  // none in a chain that is one run, as most are
+    std::int32_t start_ = 0;
+    std::int32_t last_ = 0;
     std::int32_t length_ = 0;
 };

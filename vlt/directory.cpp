@@ -6,7 +6,7 @@
 
 namespace {
 
-/// Calls `use` with the hash of an entry's name.
+/// The hash of an entry's name.
 std::uint32_t entry_hash(vlt_store& store, std::int32_t index) {
     const std::uint8_t* name = store.entry(index).name();
     if (store.wide_names)
@@ -51,11 +51,11 @@ bool vlt_dir_find(vlt_store& store, const Char* name, vlt_lookup lookup, std::in
     if (!store.names.built() && !index_names(store, 0)) return false;
     const std::uint32_t hash = vlt_name_hash(
         [&](std::size_t i) -> std::uint32_t { return static_cast<std::make_unsigned_t<Char>>(name[i]); });
-    for (std::int32_t i = store.names.first(hash); i != vlt_name_index::none; i = store.names.next(i)) {
+    store.names.for_each(hash, [&](std::int32_t i) {
         const vlt_dir_entry entry = store.entry(i);
         const bool wanted = lookup == vlt_lookup::files ? entry.kind() == VLT_ENTRY_FILE : entry.in_use();
         if (wanted && (*index == vlt_no_entry || i < *index) && vlt_name_equals(entry.name(), name)) *index = i;
-    }
+    });
     return true;
 }
 
@@ -92,7 +92,7 @@ bool vlt_dir_put(vlt_store& store, std::int32_t index) {
 
 void vlt_dir_free(vlt_store& store, std::int32_t index) {
     store.entry(index).set_kind(VLT_ENTRY_FREE);
-    if (store.names.built()) store.names.remove(index);
+    if (store.names.built()) store.names.remove(index, entry_hash(store, index));
     if (store.entries_counted) store.free_entries.add(static_cast<std::size_t>(index));
 }
 
@@ -112,11 +112,11 @@ bool vlt_file_empty(vlt_store& store, std::int32_t index) {
 
 namespace {
 
-/// Whether following the name index leads to an entry.
+/// Whether the name index leads to an entry.
 bool indexed(vlt_store& store, std::int32_t index) {
-    std::int32_t at = store.names.first(entry_hash(store, index));
-    while (at != vlt_name_index::none && at != index) at = store.names.next(at);
-    return at == index;
+    bool found = false;
+    store.names.for_each(entry_hash(store, index), [&](std::int32_t i) { found = found || i == index; });
+    return found;
 }
 
 void check_open_chain(vlt_store& store, std::int32_t index) {

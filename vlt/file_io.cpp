@@ -43,31 +43,26 @@ std::int64_t blocks_for(std::int64_t bytes) {
     return bytes / VLT_BLOCK_SIZE + (bytes % VLT_BLOCK_SIZE > 0 ? 1 : 0);
 }
 
-/// Makes the file's chain long enough for its length to become `end`. A new first block is entered in the image only.
-bool vlt_file_reserve(vlt_store& store, std::int32_t index, std::int64_t end) {
-    vlt_dir_entry entry = store.entry(index);
+/// Takes the blocks that the file needs more, for its length to become `end`.
+bool vlt_file_reserve(vlt_store& store, std::int32_t index, std::int64_t end, vlt_chain_extension& extension) {
+    const vlt_dir_entry entry = store.entry(index);
     const std::int64_t kept = entry.size() > 0 ? blocks_for(entry.size()) : 0;
     const std::int64_t wanted = blocks_for(end) - kept;
-    if (entry.size() >= end || wanted <= 0) return true;
+    if (wanted <= 0) return true;
     if (blocks_for(end) > VLT_BLOCKS_MAX) return false;
-
-    std::int32_t free_blocks = 0;
-    const auto count = static_cast<std::int32_t>(wanted);
-    if (!vlt_blocks_free(store, &free_blocks)) return false;
-    if (free_blocks < count && !vlt_package_grow(store, count)) return false;
-
     vlt_chain& chain = store.open_files.find(index)->chain;
     if (entry.first_block() != 0 && !vlt_chain_begin(store, chain, entry.first_block())) return false;
-    if (!vlt_chain_extend(store, chain, static_cast<std::int32_t>(kept), count)) return false;
-    entry.set_first_block(static_cast<std::uint32_t>(chain.first_block()) + 1);
-    return true;
+    return extension.take(static_cast<std::int32_t>(kept), static_cast<std::int32_t>(wanted));
 }
 
-/// Sets length and stamps after `end` bytes are in place, and writes the entry if that changed it.
-bool finish_write(vlt_store& store, std::int32_t index, std::int64_t end, bool new_chain) {
+/// Enters what a write has changed, and writes the entry unless its bytes are in the host file already.
+bool finish_write(vlt_store& store, std::int32_t index, const vlt_chain& chain, std::int64_t end) {
     vlt_dir_entry entry = store.entry(index);
     const double now = store.clock.vlt_stamp_now();
-    const bool changed = new_chain || end > entry.size() || entry.accessed() != now || entry.written() != now;
+    const auto first_block = static_cast<std::uint32_t>(chain.first_block()) + 1;
+    const bool changed =
+        end > entry.size() || entry.first_block() != first_block || entry.accessed() != now || entry.written() != now;
+    entry.set_first_block(first_block);
     entry.set_size(std::max(entry.size(), end));
     entry.set_accessed(now);
     entry.set_written(now);
@@ -76,17 +71,14 @@ bool finish_write(vlt_store& store, std::int32_t index, std::int64_t end, bool n
 
 bool write(vlt_store& store, vlt_file& file, const void* data, std::int32_t length) {
     const std::int32_t index = file.entry_number - 1;
-    const std::uint32_t old_first_block = store.entry(index).first_block();
     if (file.position < 0 || file.position > INT64_MAX - length) return false;
     const std::int64_t end = file.position + length;
-    if (!vlt_file_reserve(store, index, end)) return false;
-    const bool new_chain = store.entry(index).first_block() != old_first_block;
-    vlt_chain* chain = data_chain(store, index);
-    if (!chain || !vlt_chain_write(store, *chain, file.position, data, length)) {
-        if (new_chain) vlt_dir_put(store, index);  // the file owns its new blocks all the same
-        return false;
-    }
-    if (!finish_write(store, index, end, new_chain)) return false;
+    vlt_chain& chain = store.open_files.find(index)->chain;
+    vlt_chain_extension extension(store, chain);
+    if (!vlt_file_reserve(store, index, end, extension)) return false;
+    if (chain.empty() && !vlt_chain_begin(store, chain, store.entry(index).first_block())) return false;
+    if (!vlt_chain_write(store, chain, file.position, data, length)) return false;
+    if (!extension.finish(end) || !finish_write(store, index, chain, end)) return false;
     file.position = end;
     return true;
 }

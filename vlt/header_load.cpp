@@ -70,12 +70,10 @@ bool read_magic(vlt_store& store) {
 bool vlt_header_load(vlt_store& store) {
     std::int64_t host_length = 0;
     if (!host_size(store.fd, &host_length) || host_length <= store.base_offset) return false;
-    const std::int64_t length = host_length - store.base_offset;
-    const std::int64_t blocks = length / VLT_BLOCK_SIZE;
+    const std::int64_t blocks = (host_length - store.base_offset) / VLT_BLOCK_SIZE;
     if (blocks < 2 || !read_magic(store)) return false;
     // Blocks that no number can name are out of reach; the package ends before them.
     store.block_count = static_cast<std::int32_t>(blocks < VLT_BLOCKS_MAX ? blocks : VLT_BLOCKS_MAX);
-    store.trailing = blocks == store.block_count ? length % VLT_BLOCK_SIZE : 0;
     if (!store.own_blocks.set_limit(static_cast<std::size_t>(store.block_count))) return false;
     return claim(store, store.header_chain, VLT_HEADER_START + 1) &&
            claim(store, store.directory_chain, VLT_DIRECTORY_START + 1) && load_header(store) &&

@@ -8,31 +8,30 @@
 
 class vlt_name_index {
 public:
-    static constexpr std::int32_t none = -1;
+    bool built() const { return !slots_.empty(); }
 
-    bool built() const { return !heads_.empty(); }
-
-    /// Makes room for entries 0 to `entries` - 1; false when memory runs out. Entries added before are kept.
+    /// Makes room for `entries` entries; false when memory runs out. Entries added before are kept.
     [[nodiscard]] bool set_limit(std::size_t entries);
 
     /// Adds an entry under the hash of its name; the limit must cover it.
     void add(std::int32_t entry, std::uint32_t hash);
 
-    /// Removes an entry; one that is not there is ignored.
-    void remove(std::int32_t entry);
+    /// Removes an entry that was added under that hash; one that is not there is ignored.
+    void remove(std::int32_t entry, std::uint32_t hash);
 
-    /// The first entry that may bear a name of this hash, and the one after it; `none` at the end. In no order.
-    std::int32_t first(std::uint32_t hash) const { return heads_[hash & (heads_.size() - 1)] - 1; }
-    std::int32_t next(std::int32_t entry) const { return links_[static_cast<std::size_t>(entry)].next - 1; }
+    /// Calls `use(entry)` for every entry whose name has that hash, in no order.
+    template <typename Use>
+    void for_each(std::uint32_t hash, Use use) const {
+        for (std::size_t i = hash & mask(); slots_[i].entry != 0; i = (i + 1) & mask())
+            if (slots_[i].hash == hash) use(slots_[i].entry - 1);
+    }
 
 private:
-    struct Link {
+    struct Slot {
         std::uint32_t hash;
-        std::int32_t next;  // entry + 1, 0 at the end
-        bool present;
+        std::int32_t entry;  // index plus 1; 0 in an empty slot
     };
-    [[nodiscard]] bool rehash(std::size_t heads);
+    std::size_t mask() const { return slots_.size() - 1; }
 
-    Array<std::int32_t> heads_;  // entry + 1, 0 for none; a power of two of them
-    Array<Link> links_;          // one for each entry
+    Array<Slot> slots_;  // a power of two of them, at most half of them taken
 };

@@ -36,7 +36,7 @@ public:
     vlt_open_entry* add(std::int32_t index, bool writes, bool exclusive) {
         const auto at = static_cast<std::size_t>(index);
         if (!by_index_.resize(at < by_index_.size() ? by_index_.size() : at + 1)) return nullptr;
-        if (!by_index_[at]) by_index_[at] = make_owned<vlt_open_entry>().release();
+        if (!by_index_[at]) by_index_[at] = spare_ ? spare_.release() : make_owned<vlt_open_entry>().release();
         vlt_open_entry* entry = by_index_[at];
         if (entry) count(*entry, writes, exclusive, 1);
         return entry;
@@ -47,7 +47,8 @@ public:
         vlt_open_entry*& entry = by_index_[static_cast<std::size_t>(index)];
         count(*entry, writes, exclusive, -1);
         if (entry->opens > 0) return;
-        Owned<vlt_open_entry>{entry};
+        entry->chain.clear();
+        spare_.reset(entry);
         entry = nullptr;
     }
 
@@ -59,4 +60,5 @@ private:
     }
 
     Array<vlt_open_entry*> by_index_;
+    Owned<vlt_open_entry> spare_;  // for the next file to be opened: as a rule one is closed before
 };
