@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: MIT
+#include "offline/tables/index.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "base/ascii_case.h"
+#include "base/check.h"
+#include "offline/tables/error_state.h"
+#include "offline/tables/index_build.h"
+#include "offline/tables/record.h"
+#include "offline/tables/search_aid.h"
+#include "offline/tables/table.h"
+
+namespace {
+
+constexpr std::int32_t kCheckedRecords = 600;  // what checks cost is bounded: larger indexes are taken as they are
+
+/// Makes room for as many entries as the table has for records; what is new is zero.
+bool reserve(const KOfflineTable* table, KOfflineField* field) {
+    const std::int32_t have = field->index ? Index::head(field->index)->slots : 0;
+    const std::int32_t wanted = table->record_capacity;
+    if (wanted <= have) return true;
+    std::int32_t* grown = Index::resize(field->index, static_cast<std::size_t>(wanted));
+    if (!grown) return false;
+    std::fill(grown + have, grown + wanted, 0);
+    Index::head(grown)->slots = wanted;
+    field->index = grown;
+    return true;
+}
+
+/// Compares an index that claims to be exact with the plain sort.
+void check_exact(const KOfflineTable* table, std::int32_t field) {
+    const std::int32_t* index = table->fields[field].index;
+    if (!index || Index::head(const_cast<std::int32_t*>(index))->held > kCheckedRecords) return;
+    std::int32_t plain[kCheckedRecords];
+    index_order_plain({table, field}, plain, table->record_count);
+    check_truth(std::equal(index, index + table->record_count, plain));
+}
+
+void sort_entries(const KOfflineTable* table, std::int32_t field) {
+    std::int32_t* index = table->fields[field].index;
+    IndexHead* head = Index::head(index);
+    index_entries_change(head);
+    head->held = std::max(table->record_count, 0);
+    head->distinct = index_order({table, field}, index, head->held);
+    head->has_ties = head->distinct < head->held;
+    head->order = IndexOrder::exact;
+    std::fill(index + head->held, index + head->slots, 0);
+}
+
+/// Whether an index is what a sort of the present records would give, or could be made so without one.
+bool is_exact(const KOfflineTable* table, std::int32_t field) {
+    const IndexHead* head = Index::head(table->fields[field].index);
+    if (head->order != IndexOrder::exact) return false;
+    return head->held == table->record_count || index_insert_new(table, field);
+}
+
+bool refresh(KOfflineTable* table, std::int32_t field) {
+    if (!reserve(table, &table->fields[field])) return false;
+    if (!is_exact(table, field)) sort_entries(table, field);
+    if (check_derived) check_exact(table, field);
+    return true;
+}
+
+// Runs of a fixed length are what compilers turn into vector code without further ado.
+constexpr std::size_t kRun = 16;
+
+bool run_has(const std::int32_t* run, std::int32_t record) {
+    std::int32_t found = 0;
+    for (std::size_t i = 0; i < kRun; ++i) found |= -(run[i] == record);
+    return found != 0;
+}
+
+/// Copies entries, lowering those above `record` by one; `to` is `from` or lies before it.
+void lower(const std::int32_t* from, std::int32_t* to, std::size_t count, std::int32_t record) {
+    std::size_t i = 0;
+    for (; i + kRun <= count; i += kRun) {
+        std::int32_t run[kRun];
+        for (std::size_t j = 0; j < kRun; ++j) run[j] = from[i + j] - (from[i + j] > record);
+        std::memcpy(to + i, run, sizeof run);
+    }
+    for (; i < count; ++i) to[i] = from[i] - (from[i] > record);
+}
+
+/// Removes the entry of a record, which is there, and lowers the higher ones, in one pass.
+void remove_entry(std::int32_t* index, std::size_t count, std::int32_t record) {
+    std::size_t at = 0;
+    for (; at + kRun <= count && !run_has(index + at, record); at += kRun)
+        lower(index + at, index + at, kRun, record);
+    const auto place = static_cast<std::size_t>(std::find(index + at, index + count, record) - index);
+    lower(index + at, index + at, place - at, record);
+    lower(index + place + 1, index + place, count - place - 1, record);
+    index[count - 1] = 0;
+}
+
+}  // namespace
+
+int KOfflineTable_CompareRecs(const void* left, const void* right, void* context) {
+    const auto* own = static_cast<const IndexContext*>(context);
+    return compare_fold(own->value(*static_cast<const std::int32_t*>(left)),
+                        own->value(*static_cast<const std::int32_t*>(right)));
+}
+
+int KOfflineTable_CompareKey(const void* key, const void* entry, void* context) {
+    const auto* own = static_cast<const IndexContext*>(context);
+    return compare_fold(static_cast<const char*>(key), own->value(*static_cast<const std::int32_t*>(entry)));
+}
+
+bool index_build(KOfflineTable* table, std::int32_t field) {
+    if (table->record_capacity < 1) {
+        index_free(&table->fields[field]);
+        return true;
+    }
+    if (!reserve(table, &table->fields[field])) return false;
+    sort_entries(table, field);
+    if (check_derived) check_exact(table, field);
+    return true;
+}
+
+bool KOfflineTable_RefreshIndexes(KOfflineTable* table) {
+    if (!table->indexes_stale) return true;
+    for (std::int32_t field = 0; field < table->field_count; ++field) {
+        if (!table->fields[field].index || refresh(table, field)) continue;
+        KOfflineDb_SetError(table->db, KOFFLINE_ERR_MEMORY);
+        return false;
+    }
+    table->indexes_stale = 0;
+    return true;
+}
+
+void index_value_changed(KOfflineField* field, std::int32_t record) {
+    IndexHead* head = Index::head(field->index);
+    if (record >= head->held) return;
+    index_entries_change(head);
+    head->order = IndexOrder::outdated;
+}
+
+void index_remove(KOfflineField* field, std::int32_t record) {
+    if (!field->index) return;
+    IndexHead* head = Index::head(field->index);
+    if (record >= head->held) return;
+    index_entries_change(head);
+    remove_entry(field->index, static_cast<std::size_t>(head->held), record);
+    --head->held;
+    if (head->has_ties && head->order == IndexOrder::exact) head->order = IndexOrder::mended;
+}
+
+void index_entries_change(IndexHead* head) {
+    search_aid_free(head->aid);
+    head->aid = nullptr;
+    head->searches = 0;
+}
+
+void index_free(KOfflineField* field) {
+    if (!field->index) return;
+    search_aid_free(Index::head(field->index)->aid);
+    Index::free(field->index);
+    field->index = nullptr;
+}
+
+int32_t VLT_CALL KOfflineTable_LoadIdx(KOfflineTable* table, const char* name) {
+    if (!table) return 0;
+    const int32_t field = KOfflineTable_GetFldIndex(table, name);
+    if (field < 0) {
+        KOfflineDb_SetErrorText(table->db, KOFFLINE_ERR_INDEX, name);
+        return 0;
+    }
+    if (index_build(table, field)) return 1;
+    KOfflineDb_SetError(table->db, KOFFLINE_ERR_MEMORY);
+    return 0;
+}
+
+int32_t* VLT_CALL KOfflineTable_GetIndexRecs(KOfflineTable* table, int32_t field) {
+    return table_has_field(table, field) ? table->fields[field].index : nullptr;
+}

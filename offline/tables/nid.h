@@ -1,0 +1,25 @@
+// SPDX-License-Identifier: MIT
+// Node identifiers: the decimal number in the field named "NID", and the numbering of records that bring none.
+//
+// The table's `nid_watermark` is the base of the next automatic NID, -1 until it is needed. It only ever grows, so an
+// automatic NID repeats neither one that was there when numbering began nor one given out since.
+#pragma once
+
+#include <cstdint>
+
+#include "include/offline.h"
+
+/// The field that holds the NID, -1 when the table has none.
+std::int32_t nid_field(const KOfflineTable* table);
+
+/// The next base, counted from all records when this is the first one; -1 when the table has no NID field or the
+/// numbers are used up.
+std::int32_t KOfflineTable_NextNIDBase(KOfflineTable* table);
+
+/// Gives a record that is not yet part of the table an automatic NID, only where it has none unless `force` is set.
+/// Returns the failure or KOFFLINE_ERR_NONE; after a failure nothing has changed.
+std::int32_t KOfflineTable_AssignNID(KOfflineTable* table, std::int32_t nid_field, KOfflineRecord** record,
+                                     bool force);
+
+/// What a NID value says, -1 for anything but an integer.
+std::int32_t nid_from_text(const char* value);

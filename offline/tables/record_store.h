@@ -1,0 +1,35 @@
+// SPDX-License-Identifier: MIT
+// The record pointers of a table, in record order, and the blocks behind them.
+//
+// A table's `record_capacity` grows by a fixed step, which is what its callers see; the array behind it grows by
+// half, so that adding records one after another does not copy the pointers over and over.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "include/offline.h"
+
+class RecordArena;
+
+inline constexpr std::int32_t KOFFLINE_RECORD_STEP = 512;
+
+inline bool store_has(const KOfflineTable* table, std::int32_t record) {
+    return table && record >= 0 && record < table->record_count;
+}
+
+/// Appends a record, which the table owns from then on; false when memory runs out, and nothing has changed.
+bool store_append(KOfflineTable* table, KOfflineRecord* record);
+
+/// Gives a record back and moves the ones after it down.
+void store_remove(KOfflineTable* table, std::int32_t record);
+
+/// Makes the table own the chunks that records carved out of the arena lie in.
+void store_adopt(KOfflineTable* table, RecordArena* arena);
+
+/// Lays every record out anew with one more field, which has no value; `field_count` stays for the caller to raise.
+/// False when memory runs out, and nothing has changed.
+bool store_widen(KOfflineTable* table);
+
+/// Gives every record and the array back.
+void store_clear(KOfflineTable* table);
