@@ -65,14 +65,18 @@ std::vector<int> shuffled(int count) {
     return order;
 }
 
-std::string name_of(int i) {
-    return "drawing-" + std::to_string(i) + ".dwg";
+/// Names that the callers have at hand, made before anything is measured.
+const std::string& name_of(int i) {
+    static std::vector<std::string> names;
+    while (names.size() <= static_cast<std::size_t>(i))
+        names.push_back("drawing-" + std::to_string(names.size()) + ".dwg");
+    return names[static_cast<std::size_t>(i)];
 }
 
 /// A host file written with plain calls: the limit.
 class Raw {
 public:
-    explicit Raw(const char* name, std::int64_t size = 0) : path_(folder / name) {
+    explicit Raw(const char* name, std::int64_t size = 0) : path_(folder / (std::to_string(made_++) + name)) {
         fd_ = ::open(path_.c_str(), O_RDWR | O_CREAT | O_TRUNC, 0644);
         need(fd_ >= 0, "creating a raw file");
         for (std::int64_t at = 0; at < size; at += piece) write(at, piece);
@@ -90,6 +94,7 @@ public:
     }
 
 private:
+    static inline int made_ = 0;
     fs::path path_;
     int fd_;
 };
@@ -97,7 +102,7 @@ private:
 /// A package, created anew.
 class Package {
 public:
-    Package(const char* name, int size_mb) : path_(folder / name) {
+    Package(const char* name, int size_mb) : path_(folder / (std::to_string(made_++) + name)) {
         need(vlt_package_create(path_.c_str(), 0, size_mb, nullptr, nullptr) == 1, "vlt_package_create");
         open();
     }
@@ -150,6 +155,7 @@ public:
     }
 
 private:
+    static inline int made_ = 0;
     fs::path path_;
     std::int32_t handle_ = 0;
 };
@@ -428,57 +434,102 @@ void small_file_rows(int count) {
     package.open();
 }
 
-/// Cost of one operation at two sizes.
-void growth_row(const char* work, double small, double small_count, double large, double large_count) {
-    bench::print_row(work, small, "library, larger", (large / large_count) / (small / small_count), "1.30");
+/// How much dearer one operation is at the larger of two sizes, for the library and for the raw calls: caches and the
+/// host's file system make both dearer.
+void growth_row(const char* work, const std::vector<Contender>& at_small, double small_count,
+                const std::vector<Contender>& at_large, double large_count) {
+    const auto small = bench::medians(at_small, 5), large = bench::medians(at_large, 5);
+    for (std::size_t i = 0; i < small.size(); ++i)
+        bench::print_row(i == 0 ? work : "", small[i], at_small[i].name,
+                         (large[i] / large_count) / (small[i] / small_count), i == 0 ? "1.30" : "");
 }
+
+/// A large file in a package and in a raw file.
+struct LargeFile {
+    explicit LargeFile(std::int64_t bytes)
+        : size(bytes),
+          package("l.vlt", static_cast<int>(bytes >> 20) + 2),
+          raw("l.bin", bytes),
+          buffer(piece),
+          offsets(random_offsets(bytes, 20000)),
+          file(package.open_file("big", VLT_MODE_WRITE)) {
+        package.append(file, size);
+    }
+    std::vector<Contender> read() {
+        return {{"library, larger",
+                 [this] {
+                     vlt_file_set_pos_bof(file);
+                     return seconds_of([&] {
+                         while (vlt_file_read(file, buffer.data(), piece) > 0) {
+                         }
+                     });
+                 }},
+                {"raw, larger", [this] { return seconds_of([&] { raw_pieces(raw, size, false); }); }}};
+    }
+    std::vector<Contender> read_random() {
+        return {{"library, larger", [this] { return seconds_of([&] { package.at_offsets(file, offsets, false); }); }},
+                {"raw, larger", [this] {
+                     return seconds_of([&] {
+                         for (auto o : offsets) raw.read(o, random_piece);
+                     });
+                 }}};
+    }
+    std::int64_t size;
+    Package package;
+    Raw raw;
+    std::vector<char> buffer;
+    std::vector<std::int64_t> offsets;
+    std::uint32_t file;
+};
+
+/// Many small files in a package and in a raw file.
+struct SmallFiles {
+    explicit SmallFiles(int files)
+        : count(files), order(shuffled(files)), raw("f.bin", std::int64_t{files} * small_file) {}
+    std::vector<Contender> write() {
+        return {{"library, larger",
+                 [this] {
+                     Package p("f.vlt", room());
+                     return seconds_of([&] { p.write_small_files(count); });
+                 }},
+                {"raw, larger", [this] {
+                     return seconds_of([&] {
+                         for (int i = 0; i < count; ++i) raw.write(std::int64_t{i} * small_file, small_file);
+                     });
+                 }}};
+    }
+    std::vector<Contender> read(Package& p) {
+        return {{"library, larger", [this, &p] { return seconds_of([&] { p.read_small_files(order); }); }},
+                {"raw, larger", [this] {
+                     return seconds_of([&] {
+                         for (const int i : order) raw.read(std::int64_t{i} * small_file, small_file);
+                     });
+                 }}};
+    }
+    int room() const { return count * (small_file + 1024) / 1048576 + 2; }
+    int count;
+    std::vector<int> order;
+    Raw raw;
+};
 
 void growth_rows(bool quick) {
     const std::int64_t small = 16 << 20, large = (quick ? 256LL : 1024LL) << 20;
-    const auto write = bench::medians(
-        {{"", [&] { return package_write(small, true); }}, {"", [&] { return package_write(large, true); }}}, 5);
-    growth_row("growth of W1", write[0], static_cast<double>(small), write[1], static_cast<double>(large));
-
-    std::vector<double> read, random;
-    for (const std::int64_t size : {small, large}) {
-        Package p("l.vlt", static_cast<int>(size >> 20) + 2);
-        const auto file = p.open_file("big", VLT_MODE_WRITE);
-        p.append(file, size);
-        std::vector<char> buffer(piece);
-        const auto offsets = random_offsets(size, 20000);
-        const auto m = bench::medians({{"",
-                                        [&] {
-                                            vlt_file_set_pos_bof(file);
-                                            return seconds_of([&] {
-                                                while (vlt_file_read(file, buffer.data(), piece) > 0) {
-                                                }
-                                            });
-                                        }},
-                                       {"", [&] { return seconds_of([&] { p.at_offsets(file, offsets, false); }); }}},
-                                      5);
-        read.push_back(m[0]);
-        random.push_back(m[1]);
+    const auto write = [](std::int64_t size) {
+        return std::vector<Contender>{{"library, larger", [size] { return package_write(size, true); }}};
+    };
+    growth_row("growth of W1", write(small), static_cast<double>(small), write(large), static_cast<double>(large));
+    {
+        LargeFile a(small);
+        LargeFile b(large);
+        growth_row("growth of R1", a.read(), static_cast<double>(small), b.read(), static_cast<double>(large));
+        growth_row("growth of R2", a.read_random(), 1, b.read_random(), 1);
     }
-    growth_row("growth of R1", read[0], static_cast<double>(small), read[1], static_cast<double>(large));
-    growth_row("growth of R2", random[0], 1, random[1], 1);
-
-    const int few = 1000, many = quick ? 10000 : 100000;
-    std::vector<double> files, reads;
-    for (const int count : {few, many}) {
-        const auto order = shuffled(count);
-        const int room = count * (small_file + 1024) / 1048576 + 2;
-        files.push_back(bench::medians({{"",
-                                         [&] {
-                                             Package p("f.vlt", room);
-                                             return seconds_of([&] { p.write_small_files(count); });
-                                         }}},
-                                       5)[0]);
-        Package p("f.vlt", room);
-        p.write_small_files(count);
-        reads.push_back(bench::medians({{"", [&] { return seconds_of([&] { p.read_small_files(order); }); }}}, 5)[0]);
-    }
-    growth_row("growth of W3", files[0], few, files[1], many);
-    growth_row("growth of R3", reads[0], few, reads[1], many);
+    SmallFiles few(1000), many(quick ? 10000 : 100000);
+    growth_row("growth of W3", few.write(), few.count, many.write(), many.count);
+    Package p("p.vlt", few.room()), q("q.vlt", many.room());
+    p.write_small_files(few.count);
+    q.write_small_files(many.count);
+    growth_row("growth of R3", few.read(p), few.count, many.read(q), many.count);
 }
 
 /// Speed-up of two threads over one, in wall time: the same work twice, one after the other or side by side.
@@ -550,6 +601,7 @@ int main(int argc, char** argv) {
     }
     if (quick) rounds = 3;
     fs::create_directories(folder);
+    name_of(quick ? 10000 : 100000);
     memory_row();
     bench::print_heading("reference");
     large_file_rows(quick ? 64 << 20 : 256 << 20, quick ? 20000 : 100000);
