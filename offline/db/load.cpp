@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "offline/db/load.h"
 
+#include <initializer_list>
+
 #include "offline/db/database.h"
 #include "offline/db/field_list.h"
 #include "offline/db/file_names.h"
@@ -118,7 +120,7 @@ void find_root(KOfflineDb* db, const char* code) {
 }  // namespace
 
 void KOfflineDb_AppendSchemaField(KOfflineTable* table, const char* name) {
-    (void)table_append_field(table, name);  // it notes a failure, which the load meets there
+    (void)append_field(table, name);  // it notes a failure, which the load meets there
 }
 
 std::int32_t KOfflineDb_FileExists(KOfflineDb* db, const char* path) {

@@ -192,7 +192,7 @@ TEST_P(Load, SurvivesGarbage) {
     std::string deep, many, level = "1";
     for (int i = 0; i < 300; ++i, level += ".1") deep += level + ", table, bitm\r\n";
     for (int i = 0; i < 100000; ++i) many += i % 2 ? "1.1, field, F\r\n" : "1, table, foo\r\n";
-    const std::string& schema = MinimalDatabase()["kdbmain.txt"];
+    const std::string schema = MinimalDatabase()["kdbmain.txt"];
     const std::string line(3 << 20, 'x');
     for (const std::string& text :
          {noise, std::string(1, '\0') + schema, line, deep, line + "," + line, schema + line, schema + deep,
@@ -246,7 +246,7 @@ TEST_F(LoadPath, ThatCannotFormAFileNameIsReportedAsFarAsItFits) {
          std::map<std::string, std::string>{{"", "\\kdbmain.txt"},
                                             {" \t", "\\kdbmain.txt"},
                                             {fits, fits + "\\kdbmain.txt"},
-                                            {too_long, too_long + "\\kdbmain."},
+                                            {too_long, too_long + "\\kdbmain.t"},
                                             {endless, endless.substr(0, 255)},
                                             {std::string(5000, ' ') + "data", "\\kdbmain.txt"}}) {
         Database db;

@@ -1,0 +1,84 @@
+// SPDX-License-Identifier: MIT
+// The bicycle of the examples: a whole product, loaded, saved and taken apart. What is compared here is the same on
+// every target, byte for byte.
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+
+#include "tests/support/database.h"
+
+namespace {
+
+const std::string kBicycle = std::string(TEST_SOURCE_DIR) + "/../examples/bicycle";
+
+/// The bicycle's files as a save writes them: without comments and empty lines.
+Files SavedBicycle() {
+    Files files;
+    for (const auto& entry : std::filesystem::directory_iterator(kBicycle)) {
+        if (entry.is_directory()) continue;
+        std::string& contents = files[entry.path().filename().string()];
+        std::ifstream file(entry.path(), std::ios::binary);
+        for (std::string line; std::getline(file, line);) {
+            if (line != "\r" && line.rfind("//", 0) != 0) contents += line + "\n";
+        }
+    }
+    return files;
+}
+
+class Bicycle : public DatabaseTest, public testing::WithParamInterface<Place> {
+protected:
+    void SetUp() override {
+        path_ = Put(SavedBicycle(), GetParam());
+        ASSERT_EQ(KOfflineDb_Load(db_, path_.c_str()), 1) << db_->error_text;
+    }
+
+    Database db_;
+    std::string path_;
+};
+
+INSTANTIATE_TEST_SUITE_P(Places, Bicycle, testing::Values(Place::directory, Place::package));
+
+TEST_P(Bicycle, IsSavedAsItWasLoaded) {
+    ASSERT_EQ(KOfflineDb_Save(db_), 1);
+    EXPECT_EQ(Stored(db_, path_), SavedBicycle());
+}
+
+TEST_P(Bicycle, NeedsTheRightNumberOfBearings) {
+    KOfflineTable* lines = KOfflineDb_GetTable_BBOM(db_);
+    const std::function<int(std::int32_t, std::int32_t)> count = [&](std::int32_t item, std::int32_t part) {
+        if (item == part) return 1;
+        std::vector<std::int32_t> recs(32);
+        const std::int32_t found = KOfflineTable_Search(lines, KOfflineDb_GetFld_BBOM_NPID(db_),
+                                                        std::to_string(item).c_str(), recs.data(), 32);
+        int total = 0;
+        for (std::int32_t i = 0; i < found; ++i) {
+            const std::int32_t rec = recs[static_cast<std::size_t>(i)];
+            const auto value = [&](std::int32_t field) {
+                return std::stoi(KOfflineTable_GetFldValue(lines, rec, field));
+            };
+            total += value(KOfflineDb_GetFld_BBOM_FCOUNT(db_)) * count(value(KOfflineDb_GetFld_BBOM_NCID(db_)), part);
+        }
+        return total;
+    };
+    std::int32_t root = -1;
+    ASSERT_EQ(KOfflineDb_GetRootNodes(db_, &root, 1), 1);
+    const std::int32_t bicycle = KOfflineDb_GetNIDByRec_BITM(db_, root);
+    EXPECT_EQ(bicycle, KOfflineDb_GetNIDByCCODE(db_, "bk-700"));
+    EXPECT_EQ(count(bicycle, KOfflineDb_GetNIDByCCODE(db_, "cm-900")), 14);
+    EXPECT_EQ(count(bicycle, KOfflineDb_GetNIDByCCODE(db_, "WH-230")), 64);
+}
+
+TEST(BicycleFiles, NameDocumentsThatExist) {
+    Database db;
+    ASSERT_EQ(KOfflineDb_Load(db, kBicycle.c_str()), 1) << db->error_text;
+    for (KOfflineTable* table : {KOfflineDb_GetTable_BDWG(db), KOfflineDb_GetTable_BCAPP(db)}) {
+        EXPECT_GT(KOfflineTable_GetRecsCount(table), 2);
+        const std::int32_t file = KOfflineTable_GetFldIndex(table, "CFILE");
+        for (std::int32_t rec = 0; rec < KOfflineTable_GetRecsCount(table); ++rec) {
+            EXPECT_TRUE(std::filesystem::exists(kBicycle + "/docs/" + KOfflineTable_GetFldValue(table, rec, file)));
+        }
+    }
+}
+
+}  // namespace
