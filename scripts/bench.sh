@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# SPDX-License-Identifier: MIT
+# bench.sh [quick]: prints what the library reaches beside raw calls, a plain loader and SQLite, with the goals.
+set -euo pipefail
+source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
+cd "$root"
+
+need_build_tools
+need /usr/include/sqlite3.h=libsqlite3-dev
+say "Building"
+cmake --preset release -B build/bench -DVLT_BUILD_GATES=OFF -DVLT_BUILD_BENCH=ON >/dev/null
+cmake --build build/bench
+
+say "The package store"
+build/bench/bench/store_bench "$@"
+say "The database"
+graph=build/demo/debian
+[ -e "$graph/kdbmain.txt" ] || graph=""
+build/bench/bench/db_bench "$@" ${graph:+"$graph"}
