@@ -1,0 +1,176 @@
+// SPDX-License-Identifier: MIT
+#include "offline/tables/sort.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <numeric>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "offline/tables/folded_key.h"
+#include "offline/tables/rank_sort.h"
+
+namespace {
+
+using Numbers = std::vector<std::uint32_t>;
+
+int CompareRanks(const void* left, const void* right, void*) {
+    const std::uint32_t a = rank_of(*static_cast<const RankedItem*>(left));
+    const std::uint32_t b = rank_of(*static_cast<const RankedItem*>(right));
+    return a < b ? -1 : a > b;
+}
+
+std::vector<RankedItem> Items(const Numbers& ranks) {
+    std::vector<RankedItem> items;
+    for (const std::uint32_t rank : ranks)
+        items.push_back(ranked_item(rank, static_cast<std::uint32_t>(items.size())));
+    return items;
+}
+
+/// The order in which the sort leaves elements with these keys, as their former positions.
+Numbers SortedPositions(const std::string& keys) {
+    std::vector<RankedItem> items = Items(Numbers(keys.begin(), keys.end()));
+    KArray_Sort(items.data(), static_cast<int>(items.size()), sizeof(RankedItem), CompareRanks, nullptr, nullptr);
+    Numbers positions;
+    for (const RankedItem item : items) positions.push_back(static_cast<std::uint32_t>(item));
+    return positions;
+}
+
+TEST(Sort, TheOrderOfEqualElementsIsFixed) {
+    EXPECT_EQ(SortedPositions(std::string(8, 'A')), (Numbers{1, 2, 3, 4, 5, 6, 7, 0}));
+    EXPECT_EQ(SortedPositions(std::string(9, 'A')), (Numbers{4, 1, 2, 3, 0, 5, 6, 7, 8}));
+    EXPECT_EQ(SortedPositions("BABABABABAC"), (Numbers{5, 1, 3, 7, 9, 2, 0, 8, 4, 6, 10}));
+}
+
+TEST(Sort, CallsTheExchangeProcedureWithItsContext) {
+    struct Context {
+        int exchanges;
+    } context{0};
+    const auto compare = [](const void* left, const void* right, void*) {
+        return *static_cast<const char*>(left) - *static_cast<const char*>(right);
+    };
+    const auto exchange = [](void* left, void* right, std::int32_t width, void* counted) {
+        ++static_cast<Context*>(counted)->exchanges;
+        std::swap_ranges(static_cast<char*>(left), static_cast<char*>(left) + width, static_cast<char*>(right));
+    };
+    std::string text = "sorting needs no memory of its own";
+    std::string expected = text;
+    std::sort(expected.begin(), expected.end());
+    KArray_Sort(text.data(), static_cast<int>(text.size()), 1, compare, exchange, &context);
+    EXPECT_EQ(text, expected);
+    EXPECT_GT(context.exchanges, 10);
+    KArray_Sort(text.data(), 1, 1, nullptr, nullptr, nullptr);
+    KArray_Sort(text.data(), 5, 0, nullptr, nullptr, nullptr);
+}
+
+TEST(Sort, SearchFindsTheWholeRangeOfEqualElements) {
+    const auto compare = [](const void* key, const void* element, void*) {
+        return *static_cast<const char*>(key) - *static_cast<const char*>(element);
+    };
+    const auto range = [&](std::string keys, char key) {
+        void* first;
+        void* last;
+        const int found =
+            KArray_SearchRange(&key, keys.data(), static_cast<int>(keys.size()), 1, &first, &last, compare, nullptr);
+        EXPECT_EQ(found == 0, first == nullptr);
+        EXPECT_EQ(found == 0, last == nullptr);
+        if (!found) return std::pair(-1, -1);
+        return std::pair(int(static_cast<char*>(first) - keys.data()), int(static_cast<char*>(last) - keys.data()));
+    };
+    EXPECT_EQ(range("ABBBC", 'B'), std::pair(1, 3));
+    EXPECT_EQ(range("ABBBC", 'D'), std::pair(-1, -1));
+    EXPECT_EQ(range("", 'A'), std::pair(-1, -1));
+    for (int size = 1; size < 40; ++size) {
+        std::string keys(static_cast<std::size_t>(size), 0);
+        for (int i = 0; i < size; ++i) keys[static_cast<std::size_t>(i)] = static_cast<char>('A' + i / 3 * 2);
+        for (char key = '@'; key < 'z'; ++key) {
+            const auto [low, high] = std::equal_range(keys.begin(), keys.end(), key);
+            const auto expected =
+                low == high ? std::pair(-1, -1) : std::pair(int(low - keys.begin()), int(high - keys.begin()) - 1);
+            ASSERT_EQ(range(keys, key), expected) << size << key;
+        }
+    }
+}
+
+struct Pattern {
+    const char* name;
+    std::function<std::uint32_t(std::uint32_t at, std::uint32_t size, std::mt19937& random)> value;
+};
+
+const Pattern kPatterns[] = {
+    {"random", [](auto, auto size, auto& random) { return std::uint32_t(random() % size); }},
+    {"mostly one", [](auto, auto size, auto& random) { return random() % 4 ? 0 : std::uint32_t(random() % size); }},
+    {"rising", [](auto at, auto, auto&) { return at; }},
+    {"falling", [](auto at, auto size, auto&) { return size - 1 - at; }},
+    {"organ pipe", [](auto at, auto size, auto&) { return std::min(at, size - 1 - at); }},
+    {"valley", [](auto at, auto size, auto&) { return std::max(at, size - 1 - at); }},
+};
+
+/// Replaces values by their dense ranks; returns how many items are below each rank.
+Numbers MakeRanks(Numbers* values) {
+    Numbers distinct = *values;
+    std::sort(distinct.begin(), distinct.end());
+    distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
+    Numbers before(distinct.size() + 1);
+    for (std::uint32_t& value : *values) {
+        value = std::uint32_t(std::lower_bound(distinct.begin(), distinct.end(), value) - distinct.begin());
+        ++before[value + 1];
+    }
+    std::partial_sum(before.begin(), before.end(), before.begin());
+    return before;
+}
+
+TEST(Sort, SortingRanksLeavesEveryElementWhereThePlainSortDoes) {
+    std::mt19937 random(1);
+    for (int round = 0; round < 6000; ++round) {
+        const auto size = std::uint32_t(1 + random() % (round % 50 ? 60 : 1500));
+        const auto distinct = std::uint32_t(1 + random() % (1 + random() % size));
+        const Pattern& pattern = kPatterns[round % std::size(kPatterns)];
+        Numbers ranks;
+        for (std::uint32_t i = 0; i < size; ++i) {
+            ranks.push_back(std::uint32_t(std::uint64_t{pattern.value(i, size, random)} * distinct / size));
+        }
+        const Numbers before = MakeRanks(&ranks);
+        std::vector<RankedItem> plain = Items(ranks);
+        std::vector<RankedItem> fast = plain;
+        KArray_Sort(plain.data(), int(size), sizeof(RankedItem), CompareRanks, nullptr, nullptr);
+        rank_sort(fast.data(), size, before.data(), std::uint32_t(before.size() - 1));
+        ASSERT_EQ(fast, plain) << pattern.name << " size " << size << " distinct " << before.size() - 1;
+    }
+}
+
+TEST(Sort, FewDistinctValuesInAnyPatternTakeNoLongerThanMany) {
+    constexpr std::uint32_t kSize = 300000;  // the plain sort would make ten thousand million comparisons
+    std::mt19937 random(1);
+    for (const std::uint32_t distinct : {1u, 2u, 3u, 10u, 1000u}) {
+        for (const Pattern& pattern : kPatterns) {
+            Numbers ranks;
+            for (std::uint32_t i = 0; i < kSize; ++i) {
+                ranks.push_back(std::uint32_t(std::uint64_t{pattern.value(i, kSize, random)} * distinct / kSize));
+            }
+            const Numbers before = MakeRanks(&ranks);
+            std::vector<RankedItem> items = Items(ranks);
+            rank_sort(items.data(), kSize, before.data(), std::uint32_t(before.size() - 1));
+            EXPECT_TRUE(std::is_sorted(items.begin(), items.end(), [](RankedItem a, RankedItem b) {
+                return rank_of(a) < rank_of(b);
+            })) << pattern.name;
+        }
+    }
+}
+
+TEST(Sort, KeysCompareAsFoldedBytes) {
+    for (int c = 0; c < 256; ++c) {
+        const char text[] = {char(c), 'Z', char(c), 0};
+        const int folded = c >= 'A' && c <= 'Z' ? c + 32 : c;
+        const std::uint64_t expected =
+            (std::uint64_t(folded) << 56) | (std::uint64_t('z') << 48) | (std::uint64_t(folded) << 40);
+        EXPECT_EQ(folded_key(text), c ? expected : 0) << c;
+    }
+    EXPECT_FALSE(key_goes_on(folded_key("1234567")));
+    EXPECT_TRUE(key_goes_on(folded_key("12345678")));
+}
+
+}  // namespace
