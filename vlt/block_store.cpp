@@ -211,20 +211,20 @@ bool vlt_chain_release(vlt_store& store, std::uint32_t first_block) {
     const auto releasable = [&](std::int64_t b) {
         return may_hold_data(store, b) && (store.map_word(static_cast<std::int32_t>(b)) & VLT_BLOCK_USED);
     };
+    std::uint32_t words[VLT_BLOCK_SIZE / 4];  // kept, for a host file that fails
     while (releasable(block)) {
         const auto first = static_cast<std::int32_t>(block);
         std::int32_t count = 0;
         do {  // a row of blocks that follow each other in the chain and in the package
-            block = std::int64_t{store.map_word(first + count) & VLT_NEXT_MASK} - 1;
+            words[count] = store.map_word(first + count);
+            block = std::int64_t{words[count] & VLT_NEXT_MASK} - 1;
             ++count;
-        } while (block == first + count && releasable(block));
+        } while (count < VLT_BLOCK_SIZE / 4 && block == first + count && releasable(block));
 
-        Array<std::uint32_t> words;  // kept, for a host file that fails
-        if (!words.resize(static_cast<std::size_t>(count))) return false;
-        std::memcpy(words.data(), store.map_word_at(first), words.size() * 4);
-        std::memset(store.map_word_at(first), 0, words.size() * 4);
+        const std::size_t bytes = static_cast<std::size_t>(count) * 4;
+        std::memset(store.map_word_at(first), 0, bytes);
         if (!put_map_words(store, first, count)) {
-            std::memcpy(store.map_word_at(first), words.data(), words.size() * 4);
+            std::memcpy(store.map_word_at(first), words, bytes);
             return false;
         }
         if (store.blocks_counted)

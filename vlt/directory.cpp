@@ -33,11 +33,15 @@ bool count_free_entries(vlt_store& store, std::int32_t first) {
     return true;
 }
 
-/// Makes sure that there is a free entry.
+/// Makes sure that there is a free entry. Room to count and to index the entries of a new directory block is had
+/// before the block is added: after that nothing may fail any more.
 bool provide_free_entry(vlt_store& store) {
     if (!store.entries_counted && !count_free_entries(store, 0)) return false;
     while (store.free_entries.count() == 0) {
         const std::int32_t count = vlt_dir_count(store);
+        const std::size_t limit =
+            (store.directory.size() + VLT_BLOCK_SIZE) / static_cast<std::size_t>(store.entry_size());
+        if (!store.free_entries.set_limit(limit) || !store.names.set_limit(limit)) return false;
         if (!vlt_dir_extend(store) || !count_free_entries(store, count)) return false;
     }
     return true;
@@ -62,7 +66,6 @@ bool vlt_dir_find(vlt_store& store, const Char* name, vlt_lookup lookup, std::in
 template <typename Char>
 std::int32_t vlt_dir_add(vlt_store& store, const Char* name) {
     if (!provide_free_entry(store)) return vlt_no_entry;
-    if (!store.names.set_limit(static_cast<std::size_t>(vlt_dir_count(store)))) return vlt_no_entry;
     const auto index = static_cast<std::int32_t>(store.free_entries.lowest());
     vlt_dir_entry entry = store.entry(index);
     std::memset(entry.name() - VLT_ENTRY_NAME_OFFSET, 0, static_cast<std::size_t>(store.entry_size()));

@@ -19,14 +19,24 @@ std::uint32_t open_stored_file(vlt_store& store, vlt_file_table& files, const Ch
     std::int32_t index = vlt_no_entry;
     if (vlt_name_length(name) > VLT_NAME_MAX) return VLT_FILE_NOT_FOUND;
     if (!vlt_dir_find(store, name, vlt_lookup::files, &index)) return VLT_FILE_NOT_FOUND;
-    if (index != vlt_no_entry) {
+    const bool found = index != vlt_no_entry;
+    const bool writes = request.mode != VLT_MODE_READ;
+    if (found) {
         if (!vlt_file_check_share(store, index, request.mode, request.exclusive)) return VLT_FILE_ACCESS;
+        // An entry whose writing failed when it was made must not be known here alone.
+        if (writes && store.directory_ahead && !vlt_dir_put(store, index)) return VLT_FILE_NOT_FOUND;
     } else {
-        if (request.mode != VLT_MODE_READ) index = vlt_dir_add(store, name);
+        if (writes) index = vlt_dir_add(store, name);
         if (index == vlt_no_entry) return VLT_FILE_NOT_FOUND;
     }
     *number = files.vlt_file_slot_take(store, index, request.mode, request.exclusive);
-    if (*number == 0) return VLT_FILE_NO_SLOT;
+    if (*number == 0) {
+        if (!found) {  // a refused open makes no file
+            vlt_dir_free(store, index);
+            vlt_dir_put(store, index);
+        }
+        return VLT_FILE_NO_SLOT;
+    }
     if (request.truncate && !vlt_file_empty(store, index)) {
         files.release(store, *number);
         return VLT_FILE_NO_SLOT;
