@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
-#include <cstdlib>
-
+#include "base/heap.h"
 #include "vlt.h"
 
 void* vlt_alloc_mem(std::size_t size) {
-    return std::malloc(size);
+    return heap_alloc(size);
 }
 
 void vlt_free_mem(void* pointer) {
-    std::free(pointer);
+    heap_free(pointer);
 }
