@@ -83,6 +83,8 @@ struct Leniency {
     bool longer_chains = false;  // a file may own more blocks than its length needs
     bool leaked_blocks = false;  // blocks may be in use that no chain holds
     bool short_header = false;   // the host file may be longer than the map has words for
+    bool unfinished_ends =
+        false;  // the blocks that a file has too many may look free, and free words be half written
 };
 
 /// Every broken rule of the package, one a line; empty when it is sound.
