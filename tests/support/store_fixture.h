@@ -7,6 +7,9 @@
 #include "tests/support/store_calls.h"
 
 enum class Names { narrow, wide };
+inline void PrintTo(Names names, std::ostream* out) {
+    *out << (names == Names::wide ? "wide" : "narrow");
+}
 
 /// How a package is opened.
 struct Opening {
@@ -74,4 +77,4 @@ class BothNames : public StoreTest, public ::testing::WithParamInterface<Names> 
 
 #define INSTANTIATE_BOTH_NAMES(suite)                                                \
     INSTANTIATE_TEST_SUITE_P(, suite, ::testing::Values(Names::narrow, Names::wide), \
-                             [](const auto& info) { return info.param == Names::wide ? "wide" : "narrow"; })
+                             ::testing::PrintToStringParamName())
