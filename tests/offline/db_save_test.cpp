@@ -107,9 +107,11 @@ TEST_F(SaveAs, WritesADirectoryDatabaseElsewhereAndRemembersIt) {
     MakeDirectory("copy");
     Database db;
     ASSERT_EQ(KOfflineDb_Load(db, path.c_str()), 1);
-    EXPECT_EQ(KOfflineDb_SaveAs(db, (" " + At("copy") + "\\").c_str()), 1) << db->error_text;
+    std::string target = " ";
+    target.append(At("copy")).append("\\");
+    EXPECT_EQ(KOfflineDb_SaveAs(db, target.c_str()), 1) << db->error_text;
     EXPECT_EQ(Stored(db, At("copy")), SmallDatabase());
-    EXPECT_EQ(std::string(db->path), " " + At("copy") + "\\");
+    EXPECT_EQ(db->path, target);
     Remove("copy/bitm.txt");
     EXPECT_EQ(KOfflineDb_Save(db), 1);
     EXPECT_TRUE(Exists("copy/bitm.txt"));

@@ -151,8 +151,10 @@ Files DatabaseTest::Stored(KOfflineDb* db, const std::string& path) {
 std::string FieldNames(KOfflineTable* table) {
     std::string names;
     char name[33];
-    for (std::int32_t i = 0; KOfflineTable_GetFldName(table, i, name); ++i)
-        names += (i ? " " : "") + std::string(name);
+    for (std::int32_t i = 0; KOfflineTable_GetFldName(table, i, name); ++i) {
+        if (i) names += ' ';
+        names += name;
+    }
     return names;
 }
 
@@ -161,7 +163,8 @@ std::string ValuesOf(KOfflineTable* table, const char* field) {
     const std::int32_t number = KOfflineTable_GetFldIndex(table, field);
     for (std::int32_t rec = 0; rec < KOfflineTable_GetRecsCount(table); ++rec) {
         const char* value = KOfflineTable_GetFldValue(table, rec, number);
-        values += (rec ? " " : "") + std::string(value ? value : "-");
+        if (rec) values += ' ';
+        values += value ? value : "-";
     }
     return values;
 }
