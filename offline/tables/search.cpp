@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
+#include <cstddef>
 
 #include "base/ascii_case.h"
 #include "base/check.h"
 #include "offline/tables/index.h"
 #include "offline/tables/record_store.h"
 #include "offline/tables/search_aid.h"
+#include "offline/tables/sort.h"
 #include "offline/tables/table.h"
 
 namespace {
@@ -25,6 +27,17 @@ SearchAid* aid_of(const IndexContext& context, const std::int32_t* index, IndexH
     if (++head->searches <= static_cast<std::uint32_t>(head->held) / 64) return nullptr;
     head->searches = 0;
     return head->aid = search_aid_make(context, index, *head);
+}
+
+/// Compares what was found with what the plain search finds.
+void check_found(IndexContext context, std::int32_t* index, std::int32_t held, const char* key,
+                 const IndexMatches& found) {
+    void* first;
+    void* last;
+    KArray_SearchRange(key, index, held, sizeof *index, &first, &last, KOfflineTable_CompareKey, &context);
+    const auto* begin = static_cast<const std::int32_t*>(first);
+    const std::ptrdiff_t count = first ? static_cast<std::int32_t*>(last) - begin + 1 : 0;
+    check_truth(found.count == count && std::equal(begin, begin + count, found.first));
 }
 
 std::int32_t store_matches(const IndexMatches& found, std::int32_t* recs, std::int32_t capacity) {
@@ -62,12 +75,9 @@ IndexMatches index_find(const KOfflineTable* table, std::int32_t field, const ch
     std::int32_t* index = table->fields[field].index;
     IndexHead* head = Index::head(index);
     const SearchAid* aid = aid_of(context, index, head);
-    if (!aid) return find_by_halving(context, index, head->held, key);
-    const IndexMatches found = search_aid_find(aid, context, index, key, single);
-    if (check_derived) {
-        const IndexMatches plain = find_by_halving(context, index, head->held, key);
-        check_truth(found.count == plain.count && std::equal(found.first, found.first + found.count, plain.first));
-    }
+    const IndexMatches found =
+        aid ? search_aid_find(aid, context, index, key, single) : find_by_halving(context, index, head->held, key);
+    if (check_derived) check_found(context, index, head->held, key, found);
     return found;
 }
 

@@ -45,6 +45,7 @@ protected:
     std::string RandomValue() {
         const std::uint32_t pick = Below(static_cast<std::size_t>(GetParam().distinct));
         std::string text = (pick % 3 ? "" : "Common-Prefix-") + std::to_string(pick * 7919 % 1000003);
+        if (pick % 7 == 1) text = std::string(300, 'x') + text;
         if (HasTies() && pick % 5 == 0) text = text.substr(0, 3);
         for (char& c : text) c = Below(2) ? c : static_cast<char>(std::toupper(c));
         return HasTies() && pick == 0 ? "" : text;
@@ -148,6 +149,7 @@ TEST_P(RandomTable, IsWhatTheReferenceSays) {
 
 INSTANTIATE_TEST_SUITE_P(Mixtures, RandomTable,
                          testing::Values(Mixture{"Everything", 1, 40, 3000, 30, 3, 1, 3, 3, 1, 6},
+                                         Mixture{"Small", 7, 0, 2000, 20, 3, 1, 3, 4, 1, 6},
                                          Mixture{"Ties", 2, 300, 1500, 4, 2, 1, 1, 4, 1, 6},
                                          Mixture{"NoTies", 3, 300, 1500, kNoTies, 4, 0, 0, 2, 1, 6},
                                          Mixture{"MostlySearches", 4, 700, 2500, 900, 1, 0, 1, 1, 1, 300},
