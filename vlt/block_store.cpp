@@ -90,9 +90,9 @@ bool vlt_chain_begin(vlt_store& store, vlt_chain& chain, std::uint32_t first_blo
 
 namespace {
 
-/// Finds the free blocks once. A block that looks free while a used word names it as next is left alone: a growth of
-/// a chain that was cut off between two writes leaves such a block, and giving it to another file would tie the two
-/// files together.
+/// Finds the free blocks once. A block that looks free while a word names it as next, or an entry as its first, is
+/// left alone: a growth of a chain that was cut off between two writes leaves such a block, and so does damage, and
+/// giving it to another file would tie the two files together.
 bool count_free_blocks(vlt_store& store) {
     if (store.blocks_counted) return true;
     const std::int32_t blocks = store.mapped_blocks();
@@ -100,11 +100,11 @@ bool count_free_blocks(vlt_store& store) {
     for (std::int32_t block = 0; block < blocks; ++block)
         if (!(store.map_word(block) & VLT_BLOCK_USED) && !store.own_blocks.contains(static_cast<std::size_t>(block)))
             store.free_blocks.add(static_cast<std::size_t>(block));
-    for (std::int32_t block = 0; block < blocks; ++block) {
-        const std::uint32_t word = store.map_word(block);
-        const auto next = static_cast<std::int32_t>(word & VLT_NEXT_MASK);
-        if ((word & VLT_BLOCK_USED) && next != 0) store.free_blocks.remove(static_cast<std::size_t>(next - 1));
-    }
+    for (std::int32_t block = 0; block < blocks; ++block)
+        if (const std::uint32_t next = store.map_word(block) & VLT_NEXT_MASK) store.free_blocks.remove(next - 1);
+    for (std::int32_t i = 0; i < vlt_dir_count(store); ++i)
+        if (store.entry(i).in_use() && store.entry(i).first_block() != 0)
+            store.free_blocks.remove(store.entry(i).first_block() - 1);
     store.blocks_counted = true;
     return true;
 }

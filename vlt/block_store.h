@@ -46,6 +46,7 @@ struct vlt_store {
     vlt_open_entries open_files;   // entries with an open file, and their chains
     vlt_stamp_clock clock;         //
     bool directory_ahead = false;  // an entry in the image may differ from the host file
+    bool entry_unwritten = false;  // because writing one failed; a stamp of reading may be in memory on purpose
 
     std::int32_t header_blocks() const { return static_cast<std::int32_t>(header.size() / VLT_BLOCK_SIZE); }
     std::int32_t directory_blocks() const { return static_cast<std::int32_t>(directory.size() / VLT_BLOCK_SIZE); }

@@ -34,7 +34,8 @@ bool count_free_entries(vlt_store& store, std::int32_t first) {
 }
 
 /// Makes sure that there is a free entry. Room to count and to index the entries of a new directory block is had
-/// before the block is added: after that nothing may fail any more.
+/// before the block is added: after that nothing may fail any more. In a damaged directory the first of them can be
+/// in use: it begins in the bytes after the last whole entry.
 bool provide_free_entry(vlt_store& store) {
     if (!store.entries_counted && !count_free_entries(store, 0)) return false;
     while (store.free_entries.count() == 0) {
@@ -42,7 +43,7 @@ bool provide_free_entry(vlt_store& store) {
         const std::size_t limit =
             (store.directory.size() + VLT_BLOCK_SIZE) / static_cast<std::size_t>(store.entry_size());
         if (!store.free_entries.set_limit(limit) || !store.names.set_limit(limit)) return false;
-        if (!vlt_dir_extend(store) || !count_free_entries(store, count)) return false;
+        if (!vlt_dir_extend(store) || !index_names(store, count) || !count_free_entries(store, count)) return false;
     }
     return true;
 }
@@ -89,7 +90,7 @@ bool vlt_dir_put(vlt_store& store, std::int32_t index) {
     const std::int32_t size = store.entry_size();
     const std::uint8_t* bytes = store.directory.data() + std::int64_t{index} * size;
     if (vlt_chain_write(store, store.directory_chain, std::int64_t{index} * size, bytes, size)) return true;
-    store.directory_ahead = true;
+    store.directory_ahead = store.entry_unwritten = true;
     return false;
 }
 

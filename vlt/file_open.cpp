@@ -24,7 +24,7 @@ std::uint32_t open_stored_file(vlt_store& store, vlt_file_table& files, const Ch
     if (found) {
         if (!vlt_file_check_share(store, index, request.mode, request.exclusive)) return VLT_FILE_ACCESS;
         // An entry whose writing failed when it was made must not be known here alone.
-        if (writes && store.directory_ahead && !vlt_dir_put(store, index)) return VLT_FILE_NOT_FOUND;
+        if (writes && store.entry_unwritten && !vlt_dir_put(store, index)) return VLT_FILE_NOT_FOUND;
     } else {
         if (writes) index = vlt_dir_add(store, name);
         if (index == vlt_no_entry) return VLT_FILE_NOT_FOUND;
