@@ -97,9 +97,13 @@ const PackageState& StateNamed(const std::string& name) {
     std::abort();
 }
 
-World::World(const PackageState& of) : state(of) {
+World::World(const PackageState& of, std::int32_t* error) : state(of) {
     WriteHostFile(path, state.host);
-    EXPECT_TRUE(Open());
+    Open(error);
+}
+
+World::World(const PackageState& of) : World(of, nullptr) {
+    EXPECT_NE(package_, 0);
 }
 
 World::~World() {

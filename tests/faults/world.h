@@ -31,6 +31,8 @@ const PackageState& StateNamed(const std::string& name);
 class World {
 public:
     explicit World(const PackageState& state);
+    /// The same with a package that may not open; `error` tells why.
+    World(const PackageState& state, std::int32_t* error);
     ~World();
     World(const World&) = delete;
     World& operator=(const World&) = delete;

@@ -130,13 +130,13 @@ const ImageEntry* PackageImage::Find(const std::string& name) const {
 
 std::vector<int> PackageImage::ChainOf(const std::string& name) const {
     const ImageEntry* entry = Find(name);
-    return entry && entry->first_block > 0 ? Chain(static_cast<int>(entry->first_block) - 1) : std::vector<int>{};
+    return entry && entry->first_block > 0 ? Chain(entry->start()) : std::vector<int>{};
 }
 
 Bytes PackageImage::FileBytes(const std::string& name) const {
     const ImageEntry* entry = Find(name);
     if (!entry || entry->first_block == 0) return {};
-    Bytes bytes = ChainBytes(static_cast<int>(entry->first_block) - 1);
+    Bytes bytes = ChainBytes(entry->start());
     if (entry->size >= 0 && static_cast<std::uint64_t>(entry->size) < bytes.size())
         bytes.resize(static_cast<std::size_t>(entry->size));
     return bytes;
@@ -202,8 +202,7 @@ private:
         const std::string owner = "entry " + std::to_string(entry.index);
         if (entry.size < 0) faults_ << owner << " has a negative size\n";
         const auto needed = static_cast<std::size_t>((entry.size + kBlock - 1) / kBlock);
-        const std::size_t held =
-            entry.first_block == 0 ? 0 : Claim(owner, static_cast<int>(entry.first_block) - 1, needed);
+        const std::size_t held = entry.first_block == 0 ? 0 : Claim(owner, entry.start(), needed);
         if (held < needed || (held > needed && !leniency_.longer_chains))
             faults_ << owner << " holds " << held << " blocks, not " << needed << "\n";
     }

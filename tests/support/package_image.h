@@ -39,6 +39,8 @@ struct ImageEntry {
     std::u16string name;  // narrow names: one unit a byte
 
     bool used() const { return kind == 1 || kind == 2; }
+    /// Index of the first block; -1 for none, or a number that can be none's.
+    int start() const { return first_block <= 0x0FFFFFFF ? static_cast<int>(first_block) - 1 : -1; }
 };
 
 class PackageImage {

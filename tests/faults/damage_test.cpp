@@ -1,0 +1,326 @@
+// SPDX-License-Identifier: MIT
+// Damage: named patches to good packages, and every byte of the header and the directory changed. The package opens
+// or is refused; every operation is safe and changes nothing but the file it is for; files beside the damage are
+// intact.
+#include <cstdio>
+#include <functional>
+#include <limits>
+#include <set>
+
+#include "tests/faults/world.h"
+
+namespace {
+
+/// A good package in the making of a bad one. Blocks are named by index.
+struct Patient {
+    PackageImage good;
+    Bytes host;
+
+    int block(const char* file, std::size_t position) const { return good.ChainOf(file).at(position); }
+    std::uint32_t number(const char* file) const { return static_cast<std::uint32_t>(block(file, 0)) + 1; }
+    std::uint32_t count() const { return static_cast<std::uint32_t>(good.block_count); }
+    std::uint32_t free_block() const {
+        int block = 0;
+        while (good.Word(block) != 0) ++block;
+        return static_cast<std::uint32_t>(block);
+    }
+    void SetWord(int block, std::uint32_t word) {
+        for (std::size_t i = 0; i < 4; ++i)
+            host[good.HostOffset(good.header_chain, 101 + 4 * static_cast<std::size_t>(block) + i)] =
+                static_cast<std::uint8_t>(word >> (8 * i));
+    }
+    /// Makes a block of a chain lead to a block number.
+    void Link(int block, std::uint32_t number) { SetWord(block, 0x80000000 | number); }
+    void SetField(const char* file, std::size_t field, std::uint64_t value, std::size_t size) {
+        const auto entry = static_cast<std::size_t>(good.Find(file)->index * good.entry_size);
+        for (std::size_t i = 0; i < size; ++i)
+            host[good.HostOffset(good.directory_chain, entry + field + i)] =
+                static_cast<std::uint8_t>(value >> (8 * (i % 8)));
+    }
+    void SetKind(std::uint64_t kind) { SetField("victim", 0, kind, 1); }
+    void SetFirst(std::uint64_t number) { SetField("victim", 1, number, 4); }
+    void SetSize(std::int64_t size) { SetField("victim", 5, static_cast<std::uint64_t>(size), 8); }
+    void Cut(std::size_t length) { host.resize(length); }
+};
+
+struct Patch {
+    const char* name;
+    void (*apply)(Patient&);
+};
+
+// Patches that also mean something to a header of several blocks.
+const Patch kHeaderPatches[] = {
+    {"header links to itself", [](Patient& p) { p.Link(0, 1); }},
+    {"header links to the directory", [](Patient& p) { p.Link(0, 2); }},
+    {"header links outside", [](Patient& p) { p.Link(0, p.count() + 1); }},
+    {"header links far outside", [](Patient& p) { p.Link(0, 0x0FFFFFFF); }},
+    {"header links to a file", [](Patient& p) { p.Link(0, p.number("victim")); }},
+    {"header ends early", [](Patient& p) { p.Link(0, 0); }},
+    {"header looks free", [](Patient& p) { p.SetWord(0, 0); }},
+    {"end of the header links back", [](Patient& p) { p.Link(p.good.header_chain.back(), 1); }},
+    {"end of the header links on", [](Patient& p) { p.Link(p.good.header_chain.back(), p.free_block() + 1); }},
+    {"directory links to itself", [](Patient& p) { p.Link(1, 2); }},
+    {"directory links to the header", [](Patient& p) { p.Link(1, 1); }},
+    {"directory links outside", [](Patient& p) { p.Link(1, p.count() + 1); }},
+    {"directory links to a file", [](Patient& p) { p.Link(1, p.number("other")); }},
+    {"directory ends early", [](Patient& p) { p.Link(1, 0); }},
+    {"directory looks free", [](Patient& p) { p.SetWord(1, 0); }},
+    {"end of the directory links back", [](Patient& p) { p.Link(p.good.directory_chain.back(), 2); }},
+    {"end of the directory links to a free block",
+     [](Patient& p) { p.Link(p.good.directory_chain.back(), p.free_block() + 1); }},
+};
+
+const Patch kPatches[] = {
+    {"magic", [](Patient& p) { p.host[0] = 'V'; }},
+    {"magic of the other kind", [](Patient& p) { std::copy_n("wvlt", 4, p.host.begin()); }},
+    {"byte after the magic", [](Patient& p) { p.host[3] = 0xFF; }},
+    {"format byte", [](Patient& p) { p.host[4] = 0xFF; }},
+    {"read credential", [](Patient& p) { p.host[20] = 0; }},
+    {"write credential", [](Patient& p) { p.host[36] = 0; }},
+    {"reserved bytes", [](Patient& p) { std::fill_n(p.host.begin() + 37, 64, 0xFF); }},
+    {"chain links to itself", [](Patient& p) { p.Link(p.block("victim", 1), p.number("victim") + 3); }},
+    {"chain links to its start", [](Patient& p) { p.Link(p.block("victim", 2), p.number("victim")); }},
+    {"chain links to another file", [](Patient& p) { p.Link(p.block("victim", 1), p.number("other")); }},
+    {"chain links outside", [](Patient& p) { p.Link(p.block("victim", 1), p.count() + 1); }},
+    {"chain links far outside", [](Patient& p) { p.Link(p.block("victim", 1), 0x0FFFFFFF); }},
+    {"chain links to block 0", [](Patient& p) { p.Link(p.block("victim", 1), 1); }},
+    {"chain links to block 1", [](Patient& p) { p.Link(p.block("victim", 1), 2); }},
+    {"chain links to the directory",
+     [](Patient& p) { p.Link(p.block("victim", 1), static_cast<std::uint32_t>(p.good.directory_chain.back()) + 1); }},
+    {"chain links to a free block", [](Patient& p) { p.Link(p.block("victim", 1), p.free_block() + 1); }},
+    {"chain ends early", [](Patient& p) { p.Link(p.block("victim", 1), 0); }},
+    {"free block in a chain", [](Patient& p) { p.SetWord(p.block("victim", 1), 0); }},
+    {"chain starts in a free block", [](Patient& p) { p.SetWord(p.block("victim", 0), 0); }},
+    {"map word with every bit", [](Patient& p) { p.SetWord(p.block("victim", 1), 0xFFFFFFFF); }},
+    {"every free block in use",
+     [](Patient& p) {
+         for (int block = 0; block < p.good.block_count; ++block)
+             if (p.good.Word(block) == 0) p.Link(block, p.number("other"));
+     }},
+    {"everything looks free",
+     [](Patient& p) {
+         for (int block = 0; block < p.good.block_count; ++block) p.SetWord(block, 0);
+     }},
+    {"size -1", [](Patient& p) { p.SetSize(-1); }},
+    {"lowest size", [](Patient& p) { p.SetSize(std::numeric_limits<std::int64_t>::min()); }},
+    {"highest size", [](Patient& p) { p.SetSize(std::numeric_limits<std::int64_t>::max()); }},
+    {"size beyond the chain", [](Patient& p) { p.SetSize(1 << 20); }},
+    {"size 0 with a chain", [](Patient& p) { p.SetSize(0); }},
+    {"no first block", [](Patient& p) { p.SetFirst(0); }},
+    {"first block 0", [](Patient& p) { p.SetFirst(1); }},
+    {"first block 1", [](Patient& p) { p.SetFirst(2); }},
+    {"first block outside", [](Patient& p) { p.SetFirst(p.count() + 1); }},
+    {"first block with every bit", [](Patient& p) { p.SetFirst(0xFFFFFFFF); }},
+    {"first block of another file", [](Patient& p) { p.SetFirst(p.number("other")); }},
+    {"first block free", [](Patient& p) { p.SetFirst(p.free_block() + 1); }},
+    {"entry of another maker", [](Patient& p) { p.SetKind(2); }},
+    {"entry of no kind", [](Patient& p) { p.SetKind(255); }},
+    {"name without end", [](Patient& p) { p.SetField("victim", 37, 0x4141414141414141, 513); }},
+    {"name of another file", [](Patient& p) { p.SetField("victim", 37, 0x726568746F, 8); }},  // "other"
+    {"stamps that are no numbers", [](Patient& p) { p.SetField("victim", 13, ~std::uint64_t{0}, 24); }},
+    {"no host bytes", [](Patient& p) { p.Cut(0); }},
+    {"host of a part of a block", [](Patient& p) { p.Cut(4095); }},
+    {"host of one block", [](Patient& p) { p.Cut(4096); }},
+    {"host of two blocks less a byte", [](Patient& p) { p.Cut(8191); }},
+    {"host of two blocks", [](Patient& p) { p.Cut(8192); }},
+    {"host cut in the directory",
+     [](Patient& p) { p.Cut(static_cast<std::size_t>(p.good.directory_chain.back()) * 4096 + 10); }},
+    {"host cut in a file", [](Patient& p) { p.Cut(static_cast<std::size_t>(p.block("victim", 2)) * 4096 + 10); }},
+    {"host cut by a byte", [](Patient& p) { p.Cut(p.host.size() - 1); }},
+    {"host with a part of a block more", [](Patient& p) { p.Cut(p.host.size() + 100); }},
+    {"host longer than the map", [](Patient& p) { p.Cut(1100 * 4096); }},
+    {"host much longer than the map", [](Patient& p) { p.Cut(2300 * 4096); }},
+};
+
+// ---- What must hold ----------------------------------------------------------------------------------------------
+
+int patches_tried = 0;
+
+/// The files that the damage left alone: entry, chain and bytes as they were, and no block in two chains.
+Model Intact(const PackageState& state, const PackageImage& good, const PackageImage& bad) {
+    std::map<int, int> claims;
+    std::vector<std::vector<int>> chains = {bad.header_chain, bad.directory_chain};
+    for (const ImageEntry& entry : bad.entries)
+        if (entry.used()) chains.push_back(bad.Chain(entry.start()));
+    for (const std::vector<int>& chain : chains)
+        for (const int block : chain) ++claims[block];
+
+    Model intact;
+    for (const auto& [name, bytes] : state.files) {
+        const ImageEntry *was = good.Find(name), *is = bad.Find(name);
+        const std::vector<int> chain = good.ChainOf(name);
+        if (!is || is->index != was->index || is->kind != 1 || is->size != was->size || bad.wide != good.wide ||
+            bad.ChainOf(name) != chain || bad.FileBytes(name) != bytes)
+            continue;
+        bool alone = true;
+        for (const int block : chain) alone = alone && claims[block] == 1 && bad.Word(block) == good.Word(block);
+        if (alone) intact[name] = bytes;
+    }
+    return intact;
+}
+
+/// What an operation on a file changed that is not the file's: blocks of others, their words and entries, the header
+/// fields. Empty when there is nothing.
+std::string Strays(const PackageImage& before, const PackageImage& after, const std::string& name) {
+    std::set<int> own(before.header_chain.begin(), before.header_chain.end());
+    own.insert(before.directory_chain.begin(), before.directory_chain.end());
+    const auto is_its_own = [&](const ImageEntry& entry) {
+        return entry.used() && std::equal(entry.name.begin(), entry.name.end(), name.begin(), name.end());
+    };
+    for (const ImageEntry& entry : before.entries) {
+        const std::vector<int> chain = before.Chain(entry.start());
+        if (is_its_own(entry)) own.insert(chain.begin(), chain.end());
+    }
+    std::string strays;
+    if (!std::equal(before.header.begin(), before.header.begin() + 101, after.header.begin())) strays += "header;";
+    for (int block = 0; block < before.block_count; ++block) {
+        if (own.count(block) || !(before.Word(block) & 0x80000000)) continue;
+        const auto at = static_cast<std::ptrdiff_t>(block) * 4096;
+        if (!std::equal(before.host.begin() + at, before.host.begin() + at + 4096, after.host.begin() + at))
+            strays += "block " + std::to_string(block) + ";";
+        if (before.Word(block) != after.Word(block)) strays += "word " + std::to_string(block) + ";";
+    }
+    for (const ImageEntry& other : before.entries) {
+        if (!other.used() || is_its_own(other)) continue;
+        const auto at = static_cast<std::ptrdiff_t>(other.index) * before.entry_size;
+        if (!std::equal(before.directory.begin() + at, before.directory.begin() + at + before.entry_size,
+                        after.directory.begin() + at))
+            strays += "entry " + std::to_string(other.index) + ";";
+    }
+    return strays;
+}
+
+void ReadAbout(const World& world, const std::string& name) {
+    const std::uint32_t file = OpenFile(world.package(), name, VLT_MODE_READ);
+    ReadFrom(file, 40000);
+    vlt_file_set_pos(file, std::numeric_limits<std::int64_t>::max() - 10);
+    ReadFrom(file, 40000);
+    vlt_file_close(file);
+}
+
+void WriteAbout(const World& world, const std::string& name, std::uint32_t mode, bool truncate) {
+    const std::uint32_t file = OpenFile(world.package(), name, mode, {.truncate = truncate});
+    WriteTo(file, Pattern("front", 5000));
+    vlt_file_set_pos_eof(file);
+    WriteTo(file, Pattern("back", 9000));
+    vlt_file_set_pos(file, 4096 * 3);
+    WriteTo(file, Pattern("inside", 10));
+    vlt_file_close(file);
+}
+
+/// Everything that can be done to a file, one thing after the other.
+void UseFile(const World& world, const std::string& name) {
+    const std::function<void()> uses[] = {
+        [&] { ReadAbout(world, name); },
+        [&] { WriteAbout(world, name, VLT_MODE_WRITE, false); },
+        [&] { WriteAbout(world, name, VLT_MODE_APPEND, false); },
+        [&] { SetTime(world.package(), name, 1, 2, 3); },
+        [&] { WriteAbout(world, name, VLT_MODE_WRITE, true); },
+        [&] { Delete(world.package(), name); },
+        [&] { WriteAbout(world, name, VLT_MODE_APPEND, false); },
+    };
+    for (std::size_t i = 0; i < std::size(uses); ++i) {
+        const PackageImage before = world.Image();
+        uses[i]();
+        EXPECT_EQ(Strays(before, world.Image(), name), "") << "by use " << i << " of " << name;
+    }
+}
+
+void ExpectIntact(const World& world, const Model& intact) {
+    for (const auto& [name, bytes] : intact) EXPECT_TRUE(world.Read(name) == bytes) << name << " has changed";
+}
+
+/// Opens a damaged package and does everything with it.
+void Examine(const PackageState& state, const PackageImage& good, Bytes host) {
+    ++patches_tried;
+    PackageState bad = state;
+    bad.host = std::move(host);
+    std::int32_t error = 0;
+    World world(bad, &error);
+    if (!world.package()) {
+        EXPECT_TRUE(error == VLT_OPEN_NOT_A_PACKAGE || error == VLT_OPEN_CREDENTIALS) << error;
+        return;
+    }
+    const Model intact = Intact(state, good, world.Image());
+    ExpectIntact(world, intact);
+    for (const auto& file : state.files)
+        if (!intact.count(file.first)) UseFile(world, file.first);
+    UseFile(world, "new");
+    ExpectIntact(world, intact);
+    world.Close();
+    ASSERT_TRUE(world.Open()) << "it does not open again";
+    ExpectIntact(world, intact);
+    for (const auto& file : intact) EXPECT_TRUE(OpenFile(world.package(), file.first, VLT_MODE_READ)) << file.first;
+}
+
+/// A package with a directory of two blocks, files in pieces, and free blocks.
+PackageState Whole(std::int32_t size_mb) {
+    PackageState state;
+    vlt_package_create("whole.pkg", 0, size_mb, nullptr, nullptr);
+    const std::int32_t package = vlt_package_open("whole.pkg", 0, 0, nullptr, nullptr, nullptr, nullptr);
+    for (const char* name : {"victim", "other", "tiny", "victim", "other", "d", "e", "f", "g", "h", "victim"}) {
+        const std::uint32_t file = OpenFile(package, name, VLT_MODE_APPEND);
+        const bool empty = name[1] == 0;
+        const Bytes bytes = Pattern(name, empty ? 0 : *name == 't' ? 10 : *name == 'o' ? 4097 : 4096);
+        EXPECT_TRUE(empty || WriteTo(file, bytes));
+        state.files[name].insert(state.files[name].end(), bytes.begin(), bytes.end());
+        vlt_file_close(file);
+    }
+    EXPECT_EQ(Delete(package, "d"), 1);
+    state.files.erase("d");
+    vlt_package_close_all();
+    state.host = ReadHostFile("whole.pkg");
+    std::remove("whole.pkg");
+    return state;
+}
+
+template <std::size_t N>
+void TryPatches(const PackageState& state, const Patch (&patches)[N]) {
+    const PackageImage good(state.host);
+    for (const Patch& patch : patches) {
+        SCOPED_TRACE(patch.name);
+        Patient patient{good, state.host};
+        patch.apply(patient);
+        Examine(state, good, std::move(patient.host));
+    }
+}
+
+class Damage : public testing::Test {
+protected:
+    static void TearDownTestSuite() { std::printf("%d patches tried\n", patches_tried); }
+};
+
+TEST_F(Damage, OfEveryKindIsSafe) {
+    PackageState state = Whole(0);
+    state.host.resize(state.host.size() + 3 * 4096);  // free blocks
+    TryPatches(state, kHeaderPatches);
+    TryPatches(state, kPatches);
+}
+
+TEST_F(Damage, OfALongHeaderIsSafe) {
+    TryPatches(Whole(4), kHeaderPatches);
+}
+
+/// Every byte that means something, wrong in three ways.
+TEST_F(Damage, OfEveryByteIsSafe) {
+    PackageState state = Whole(0);
+    state.host.resize(state.host.size() + 3 * 4096);
+    const PackageImage good(state.host);
+    std::vector<std::size_t> offsets;
+    for (std::size_t i = 0; i < 101 + 4 * static_cast<std::size_t>(good.block_count); ++i) offsets.push_back(i);
+    for (const ImageEntry& entry : good.entries)
+        for (std::size_t i = 0; i < 40; ++i)
+            offsets.push_back(
+                good.HostOffset(good.directory_chain, static_cast<std::size_t>(entry.index * good.entry_size) + i));
+    for (const std::size_t offset : offsets) {
+        for (const int flip : {0x01, 0x80, 0xFF}) {
+            SCOPED_TRACE(testing::Message() << "byte " << offset << " with bits " << flip);
+            Bytes host = state.host;
+            host[offset] = static_cast<std::uint8_t>(host[offset] ^ flip);
+            Examine(state, good, std::move(host));
+            if (HasFailure()) return;
+        }
+    }
+}
+
+}  // namespace
