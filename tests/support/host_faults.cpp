@@ -85,7 +85,7 @@ void ApplyChange(Bytes& host, const HostChange& change, bool torn) {
     const auto at = static_cast<std::size_t>(change.offset);
     const std::size_t length = torn ? change.bytes.size() / 2 : change.bytes.size();
     if (host.size() < at + length) host.resize(at + length);
-    std::copy_n(change.bytes.begin(), length, host.begin() + change.offset);
+    std::copy_n(change.bytes.begin(), length, host.begin() + static_cast<std::ptrdiff_t>(at));
 }
 
 HeldResources HeldNow() {
