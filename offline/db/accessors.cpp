@@ -102,14 +102,14 @@ const char* code_by_nid(KOfflineDb* db, TableSlot table, std::int32_t nid) {
 }
 
 #define KOFFLINE_ENTRY(table)                                                       \
-    KOfflineTable* KOfflineDb_GetTable_##table(KOfflineDb* db) {                    \
-        return db ? &db->tables[TABLE_##table] : nullptr;                           \
-    }                                                                               \
     std::int32_t KOfflineDb_GetRecByNID_##table(KOfflineDb* db, std::int32_t nid) { \
         return record_by_nid(db, TABLE_##table, nid);                               \
     }                                                                               \
     std::int32_t KOfflineDb_GetNIDByRec_##table(KOfflineDb* db, std::int32_t rec) { \
         return nid_by_record(db, TABLE_##table, rec);                               \
+    }                                                                               \
+    KOfflineTable* KOfflineDb_GetTable_##table(KOfflineDb* db) {                    \
+        return db ? &db->tables[TABLE_##table] : nullptr;                           \
     }
 KOFFLINE_TABLES(KOFFLINE_ENTRY)
 #undef KOFFLINE_ENTRY
