@@ -131,6 +131,8 @@ bool vlt_chain_extension::grow_unwritten(std::int32_t count) {
         return false;
     if (!store_.own_blocks.set_limit(static_cast<std::size_t>(blocks) + static_cast<std::size_t>(count)))
         return false;
+    for (std::int32_t i = 0; i < count; ++i)
+        if (store_.map_word(blocks + i) != 0) return false;
     for (std::int32_t i = 0; i < count; ++i) store_.free_blocks.add(static_cast<std::size_t>(blocks + i));
     unwritten_from_ = blocks;
     store_.block_count = blocks + count;
@@ -243,13 +245,15 @@ bool append_blocks(vlt_store& store, std::int32_t count) {
     return host_extend(store.fd, host_offset(store, store.block_count), std::int64_t{count} * VLT_BLOCK_SIZE);
 }
 
-/// Counts one more block of the host file as free.
+/// Counts one more block of the host file: a free one, unless its word says that it is in use. That is so where the
+/// host file had lost its end, and the block still belongs to a file that lost bytes with it.
 bool adopt_block(vlt_store& store) {
     const std::int32_t block = store.block_count;
     if (!store.free_blocks.set_limit(static_cast<std::size_t>(block) + 1)) return false;
     if (!store.own_blocks.set_limit(static_cast<std::size_t>(block) + 1)) return false;
     ++store.block_count;
-    if (block < store.mapped_blocks()) store.free_blocks.add(static_cast<std::size_t>(block));
+    if (block < store.mapped_blocks() && !(store.map_word(block) & VLT_BLOCK_USED))
+        store.free_blocks.add(static_cast<std::size_t>(block));
     return true;
 }
 
