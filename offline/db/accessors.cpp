@@ -108,7 +108,7 @@ const char* code_by_nid(KOfflineDb* db, TableSlot table, std::int32_t nid) {
     std::int32_t KOfflineDb_GetNIDByRec_##table(KOfflineDb* db, std::int32_t rec) { \
         return nid_by_record(db, TABLE_##table, rec);                               \
     }                                                                               \
-    KOfflineTable* KOfflineDb_GetTable_##table(KOfflineDb* db) {                    \
+    auto KOfflineDb_GetTable_##table(KOfflineDb* db)->KOfflineTable* {              \
         return db ? &db->tables[TABLE_##table] : nullptr;                           \
     }
 KOFFLINE_TABLES(KOFFLINE_ENTRY)
