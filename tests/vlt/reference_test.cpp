@@ -21,7 +21,7 @@ struct Scenario {
     int files;                    // different names
     std::int32_t largest;         // bytes of the largest write
     int calls;
-    std::size_t header_blocks;  // that the package has grown to in the end, at least
+    std::size_t header_blocks;  // at least, in the end
 };
 
 /// Where a host file leaves the bytes that it should have; beyond their end when it does not.
@@ -31,7 +31,11 @@ std::size_t FirstDifference(const std::string& path, const Bytes& wanted) {
     std::size_t at = 0, count = 0;
     while ((count = std::fread(piece, 1, sizeof piece, file)) > 0) {
         const std::size_t compared = std::min(count, wanted.size() - at);
-        if (std::memcmp(piece, wanted.data() + at, compared) != 0 || compared < count) break;
+        const std::uint8_t* first = std::mismatch(piece, piece + compared, wanted.data() + at).first;
+        if (first != piece + count) {
+            at += static_cast<std::size_t>(first - piece);
+            break;
+        }
         at += count;
     }
     std::fclose(file);
@@ -47,6 +51,7 @@ protected:
     void SetUp() override {
         const Scenario& run = GetParam();
         const char* seed = std::getenv("VLT_SEED");
+        own_seed_ = seed != nullptr;
         random_.seed(seed ? static_cast<unsigned>(std::atoi(seed)) : 1);
         ASSERT_EQ(1, vlt_package_create(path.c_str(), run.names == Names::wide, run.size_mb, nullptr, nullptr));
         Bytes host = ReadHostFile(path);
@@ -240,6 +245,7 @@ protected:
     }
 
     std::mt19937 random_;
+    bool own_seed_ = false;
     std::unique_ptr<ReferenceStore> reference_;
     std::vector<std::int32_t> packages_;
     std::vector<std::uint32_t> files_;
@@ -250,7 +256,9 @@ TEST_P(AgainstTheReference, EveryCallLeavesTheSameBytes) {
         CallAtRandom();
         ASSERT_FALSE(HasFatalFailure()) << "call " << call;
     }
-    EXPECT_GE(Image().header_chain.size(), GetParam().header_blocks);
+    if (!own_seed_) {
+        EXPECT_GE(Image().header_chain.size(), GetParam().header_blocks);
+    }
     EXPECT_EQ("", Faults(Image()));
 }
 
