@@ -201,7 +201,7 @@ private:
     void CheckFile(const ImageEntry& entry) {
         const std::string owner = "entry " + std::to_string(entry.index);
         if (entry.size < 0) faults_ << owner << " has a negative size\n";
-        const auto needed = static_cast<std::size_t>((entry.size + kBlock - 1) / kBlock);
+        const auto needed = static_cast<std::size_t>(entry.size / kBlock + (entry.size % kBlock > 0 ? 1 : 0));
         const std::size_t held = entry.first_block == 0 ? 0 : Claim(owner, entry.start(), needed);
         if (held < needed || (held > needed && !leniency_.longer_chains))
             faults_ << owner << " holds " << held << " blocks, not " << needed << "\n";
