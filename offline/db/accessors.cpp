@@ -14,6 +14,8 @@ constexpr FieldSlot kNidSlots[TABLE_COUNT] = {
 #undef KOFFLINE_ENTRY
 };
 
+using TablePointer = KOfflineTable*;
+
 KOfflineTable* table_of(KOfflineDb* db, FieldSlot slot) {
     return &db->tables[kWellKnownFields[slot].table];
 }
@@ -108,7 +110,7 @@ const char* code_by_nid(KOfflineDb* db, TableSlot table, std::int32_t nid) {
     std::int32_t KOfflineDb_GetNIDByRec_##table(KOfflineDb* db, std::int32_t rec) { \
         return nid_by_record(db, TABLE_##table, rec);                               \
     }                                                                               \
-    auto KOfflineDb_GetTable_##table(KOfflineDb* db)->KOfflineTable* {              \
+    TablePointer KOfflineDb_GetTable_##table(KOfflineDb* db) {                      \
         return db ? &db->tables[TABLE_##table] : nullptr;                           \
     }
 KOFFLINE_TABLES(KOFFLINE_ENTRY)
