@@ -16,7 +16,7 @@ std::size_t offsets_size(std::int32_t field_count) {
 }
 
 KOfflineRecord* allocate(std::size_t size) {
-    return static_cast<KOfflineRecord*>(heap_alloc(size));
+    return static_cast<KOfflineRecord*>(heap_alloc(size + kRecordMargin));
 }
 
 char* text_of(KOfflineRecord* record, std::int32_t field_count) {

@@ -15,6 +15,12 @@
 
 class RecordArena;
 
+/// Bytes behind every record that can be read, so that a value can be compared by eight bytes at a time.
+inline constexpr std::size_t kRecordMargin = 7;
+
+/// The empty text, with the same margin.
+inline constexpr char kNoText[1 + kRecordMargin] = {};
+
 /// The largest offset: the last value begins within the first 32767 bytes of the text.
 inline constexpr std::size_t kLargestOffset = 32767;
 
@@ -36,7 +42,7 @@ inline const char* record_value(const KOfflineRecord* record, std::int32_t field
 /// The value of a field, the empty text when there is none.
 inline const char* record_text_or_empty(const KOfflineRecord* record, std::int32_t field_count, std::int32_t field) {
     const char* value = record_value(record, field_count, field);
-    return value ? value : "";
+    return value ? value : kNoText;
 }
 
 /// How the lines of one file or one call are split. The character set is asked once, not for every line.

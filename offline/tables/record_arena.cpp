@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "base/heap.h"
+#include "offline/tables/record.h"
 
 namespace {
 
@@ -30,7 +31,7 @@ void RecordArena::keep(std::size_t used) {
 }
 
 bool RecordArena::add_chunk(std::size_t size) {
-    constexpr std::size_t overhead = sizeof(RecordChunk) + 4;
+    constexpr std::size_t overhead = sizeof(RecordChunk) + 4 + kRecordMargin;
     if (size > static_cast<std::size_t>(-1) / 2) return false;
     const std::size_t usual = chunks_ ? std::min(chunk_size_ * 2, kLargestChunk) : kFirstChunk;
     const std::size_t total = std::max(usual, size + overhead);
@@ -40,7 +41,7 @@ bool RecordArena::add_chunk(std::size_t size) {
     chunks_ = chunk;
     chunk_size_ = usual;
     free_ = align(reinterpret_cast<char*>(chunk + 1));
-    end_ = reinterpret_cast<char*>(chunk) + total;
+    end_ = reinterpret_cast<char*>(chunk) + total - kRecordMargin;
     return true;
 }
 

@@ -41,7 +41,8 @@ void check_found(IndexContext context, std::int32_t* index, std::int32_t held, c
 }
 
 std::int32_t store_matches(const IndexMatches& found, std::int32_t* recs, std::int32_t capacity) {
-    std::copy_n(found.first, std::min(found.count, capacity), recs);
+    const std::int32_t stored = std::min(found.count, capacity);
+    for (std::int32_t i = 0; i < stored; ++i) recs[i] = found.first[i];  // mostly one, or a few
     return found.count;
 }
 
@@ -86,7 +87,7 @@ int32_t VLT_CALL KOfflineTable_Search(KOfflineTable* table, int32_t field, const
     if (!table_has_field(table, field)) return -1;
     if (!key) key = "";
     if (!recs || capacity < 1) capacity = 0;
-    if (!table->fields[field].index || !KOfflineTable_RefreshIndexes(table)) {
+    if (!table->fields[field].index || (table->indexes_stale && !KOfflineTable_RefreshIndexes(table))) {
         return scan({table, field}, key, recs, capacity);
     }
     int32_t single;

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// A hash table beside an index that is searched often: from a value to its first entry, and which entries repeat the
-// value of the one before. It is made for the entries as they are and dropped whenever they change.
+// A table beside an index that is searched often: from a value to its first entry, and which entries repeat the value
+// of the one before. It is made for the entries as they are and dropped whenever they change.
 #pragma once
 
 #include <cstdint>

@@ -163,14 +163,32 @@ TEST(Sort, FewDistinctValuesInAnyPatternTakeNoLongerThanMany) {
 
 TEST(Sort, KeysCompareAsFoldedBytes) {
     for (int c = 0; c < 256; ++c) {
-        const char text[] = {char(c), 'Z', char(c), 0};
+        const char text[16] = {char(c), 'Z', char(c), 0, 'x'};
         const int folded = c >= 'A' && c <= 'Z' ? c + 32 : c;
         const std::uint64_t expected =
             (std::uint64_t(folded) << 56) | (std::uint64_t('z') << 48) | (std::uint64_t(folded) << 40);
         EXPECT_EQ(folded_key(text), c ? expected : 0) << c;
     }
-    EXPECT_FALSE(key_goes_on(folded_key("1234567")));
-    EXPECT_TRUE(key_goes_on(folded_key("12345678")));
+    EXPECT_FALSE(key_goes_on(folded_key("1234567\0margin")));
+    EXPECT_TRUE(key_goes_on(folded_key("12345678\0margin")));
+}
+
+TEST(Sort, ASearchKeyIsMadeOfTheTextAlone) {
+    const std::string all = "ABcdEFghIJklMNopQRst";
+    for (std::size_t length = 0; length < all.size(); ++length) {
+        const std::string text = all.substr(0, length);
+        std::string value = text + std::string(1, 0) + "margin..";
+        const SearchKey key(text.c_str());
+        EXPECT_EQ(key.first(), folded_key(value.c_str())) << length;
+        EXPECT_TRUE(key.equals(value.c_str())) << length;
+        value[0] = static_cast<char>(std::tolower(value[0]));
+        EXPECT_TRUE(key.equals(value.c_str())) << length;
+        for (std::size_t i = 0; i <= length; ++i) {
+            std::string other = value;
+            other[i] = '_';
+            EXPECT_FALSE(key.equals(other.c_str())) << length << " " << i;
+        }
+    }
 }
 
 }  // namespace

@@ -39,7 +39,7 @@ protected:
     std::uint32_t Below(std::size_t limit) { return static_cast<std::uint32_t>(random_() % limit); }
 
     bool HasTies() const { return GetParam().distinct < kNoTies; }
-    std::string RandomNid() { return std::to_string(Below(HasTies() ? 5000 : 1000000000)); }
+    std::string RandomNid() { return std::to_string(Below(HasTies() ? 1500 : 1000000000)); }
 
     /// A value of mixed letter case; some begin alike for more than eight bytes, some are prefixes of others.
     std::string RandomValue() {
@@ -99,7 +99,7 @@ protected:
 
     void Search() {
         const auto field = static_cast<int>(Below(kFields));
-        const std::string key = field ? RandomValue() : RandomNid();
+        const std::string key = (Below(10) ? "" : "0") + (field ? RandomValue() : RandomNid());
         std::vector<std::int32_t> expected;
         const int result = reference_.Search(field, key, &expected);
         std::vector<std::int32_t> found(expected.size() + 1);
