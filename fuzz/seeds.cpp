@@ -1,0 +1,119 @@
+// SPDX-License-Identifier: MIT
+// Writes the first inputs of every target: fuzz_seeds FOLDER BICYCLE, the second being the example database.
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+
+#include "fuzz/package_script.h"
+#include "fuzz/support.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+fs::path folder;
+
+void Write(const std::string& target, const std::string& name, const std::string& bytes) {
+    fs::create_directories(folder / target);
+    std::ofstream(folder / target / name, std::ios::binary) << bytes;
+}
+
+std::string ReadFile(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::string Chars(std::initializer_list<int> values) {
+    std::string text;
+    for (const int value : values) text += static_cast<char>(value);
+    return text;
+}
+
+std::string Times(int count, const std::string& text) {
+    std::string all;
+    for (int i = 0; i < count; ++i) all += text;
+    return all;
+}
+
+void WritePackageSeeds() {
+    const std::string write_new = Chars({kOpenFile, 0, 3, 0, 0, kWrite, 0, 0x88, 0x13});  // "d", 5000 bytes
+    const std::string append = Chars({kOpenFile, 0, 0, 2, 1, kWrite, 1, 0, 0x40, kCloseFile, 1});
+    const std::string read = Chars({kOpenFile, 0, 1, 1, 2, kSeek, 2, 0, 0, 1, 0, kRead, 2, 0, 0x20, kAsk, 2});
+    const std::string names = Chars({kInfo, 0, 0, kSetTime, 0, 1, kEnumerate, 0, kTick, 3, kDelete, 0, 2});
+    const std::string truncate = Chars({kOpenFile, 0, 0, 16, 3, kWrite, 3, 9, 0, kCloseFile, 3, kReopen, 0});
+    const std::string share = Chars({kOpenPackage, 1, 1, kOpenFile, 1, 1, 0, 4, kClosePackage, 0, kWrite, 4, 1, 1});
+    const std::string full = Chars({kFillDisk, 1}) + write_new + append;
+    const std::string scripts[] = {write_new + append + read, names + truncate + read, share + names, full + names,
+                                   Times(20, append) + read};
+    const std::string patches[] = {"",
+                                   Chars({kPatchWord, 3, 3, 1}),
+                                   Chars({kPatchEntry, 0, 2, 7}),
+                                   Chars({kPatchEntry, 1, 1, 4}),
+                                   Chars({kPatchBytes, 0, 0, 0, 5}) + "wvlt\1",
+                                   Chars({kPatchLength, 0, 0x30, 0})};
+    for (int base = 0; base < kBaseCount; ++base)
+        for (std::size_t patch = 0; patch < std::size(patches); ++patch)
+            for (std::size_t script = 0; script < std::size(scripts); ++script)
+                if (base == kBaseFull ? patch == 0 && script % 3 == 0 : patch == 0 || patch % 5 == script)
+                    Write("package",
+                          std::to_string(base) + "-" + std::to_string(patch) + "-" + std::to_string(script),
+                          Chars({base}) + patches[patch] + Chars({kPatchEnd, 0}) + scripts[script]);
+}
+
+void WriteTextSeeds(const fs::path& bicycle) {
+    const std::string schema = ReadFile(bicycle / "kdbmain.txt");
+    Write("schema", "bicycle", Chars({0}) + schema);
+    Write("schema", "points",
+          Chars({5}) + "\n" + Chars({0}) + "," + Chars({0}) + "." + Chars({0}) + "#" + Chars({0}) + " " + Chars({0}) +
+              "1, a\n1.1.1, b # c\n\n1.2, skip\n1.2.1, d\n1, e");
+    Write("schema", "numbers",
+          Chars({1}) + ";" + Chars({0}) + " " + Chars({0}) + "LEVELNO" + Chars({0, 0, 0}) +
+              "0 a;1 b;2 c;9 d;300 e;2 f;x g;1 stop;0 i");
+    Write("schema", "root",
+          Chars({1}) + ";" + Chars({0}) + " " + Chars({0}) + "ROOT." + Chars({0, 0, 0}) + "1 a;1 b;1.1 c;" +
+              Times(300, "."));
+    Write("table", "items",
+          Chars({0, 4, 0}) + Chars({5, 0, 6, 1, 3}) + "1\x1f" + Chars({7, 0, 2, 1, 1, 2, 1, 0}) + "\x1e" +
+              ReadFile(bicycle / "bitm.txt"));
+    const std::string calls = Chars({5, 0, 5, 1, 0}) + "7,x\\cy,\x1f" +
+                              Chars({6, 1, 1, 'X', 0x1f, 2, 3, 2, 4, 1, 2, 2}) +
+                              Chars({1, 'q', 0x1f, 7, 2, 0, 1, 1, 9, 5, 8, 1, 0, 9, 9, 2, 3, 0});
+    Write("table", "small", Chars({0, 2, 1}) + calls + "\x1e" + "1,a,b\r\n,A , c\\n\n2,,// d\r3,z,a,b,c\r\n//\n4");
+    Write("table", "ties",
+          Chars({0, 1, 1}) + Times(9, Chars({5, 1, 6, 2, 0, 1, 1, 4, 3})) + "\x1e" + Times(40, ",a\n,B\n"));
+    Write("escape", "path", Chars({0, 9, 0}) + "C:\\temp\\a/b,c\td\r\n");
+    Write("escape", "codes", Chars({4, 99, 0}) + "a\\c\\t\\r\\n\\/\\\\b\\q");
+    Write("escape", "rules", Chars({1, '%', '|', '=', 64, 0, 1}) + "lt=<|gt=>|x=yz" + Chars({0}) + "a<b>%yz");
+}
+
+void WriteDatabaseSeeds(const fs::path& bicycle) {
+    std::string files, short_files;
+    for (const char* name :
+         {"kdbmain.txt", "bitm.txt", "bbom.txt", "bdwg.txt", "bitdwg.txt", "bcapp.txt", "bitcap.txt"}) {
+        const std::string contents = ReadFile(bicycle / name);
+        files += contents + "\x1e";
+        short_files += (name[0] == 'k' ? contents : contents.substr(0, 90)) + "\x1e";
+    }
+    const std::string least =
+        "1, table, bitm\r\n1.1, field, NID\r\n1.1, field, CCODE\r\n1, table, bbom\r\n"
+        "1.1, field, NID\r\n1.1, field, NPID\r\n1.1, field, NCID\r\n1, ini\r\n"
+        "1.1, separator, COMMA\r\n1.1, root, a\r\n\x1e"
+        "1,a\r\n2,b\r\n\x1e"
+        "1,1,2\r\n\x1e";
+    for (int kind = 0; kind < 2; ++kind) {
+        Write("database", "bicycle-" + std::to_string(kind), Chars({kind}) + files);
+        Write("database", "short-" + std::to_string(kind), Chars({kind}) + short_files);
+        Write("database", "least-" + std::to_string(kind), Chars({kind}) + least + Times(5, "\x1e"));
+    }
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    if (argc != 3) return 2;
+    folder = argv[1];
+    WritePackageSeeds();
+    WriteTextSeeds(argv[2]);
+    WriteDatabaseSeeds(argv[2]);
+    return 0;
+}
