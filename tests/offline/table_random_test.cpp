@@ -45,7 +45,7 @@ protected:
     std::string RandomValue() {
         const std::uint32_t pick = Below(static_cast<std::size_t>(GetParam().distinct));
         std::string text = (pick % 3 ? "" : "Common-Prefix-") + std::to_string(pick * 7919 % 1000003);
-        if (pick % 7 == 1) text = std::string(300, 'x') + text;
+        if (pick % 61 == 1) text = std::string(300, 'x') + text;
         if (HasTies() && pick % 5 == 0) text = text.substr(0, 3);
         for (char& c : text) c = Below(2) ? c : static_cast<char>(std::toupper(c));
         return HasTies() && pick == 0 ? "" : text;
