@@ -55,4 +55,10 @@ if(TARGET fault_tests)
             disk_open disk_read disk_write disk_size disk_close)
         target_link_options(fault_tests PRIVATE LINKER:--wrap=${function})
     endforeach()
+    # Under the thread sanitizer only what threads do side by side is of interest; the rest would take minutes.
+    if(VLT_SANITIZE STREQUAL "thread")
+        file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/scratch/threads)
+        add_test(NAME threads COMMAND fault_tests --gtest_brief=1 --gtest_filter=Threads.*
+            WORKING_DIRECTORY ${PROJECT_BINARY_DIR}/scratch/threads)
+    endif()
 endif()
