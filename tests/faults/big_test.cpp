@@ -122,20 +122,17 @@ TEST_F(Big, FileOverFourGibibytes) {
     EXPECT_EQ(Delete(package, "f"), 1);
 }
 
-/// A tebibyte less a block; the header alone takes a gibibyte. Where that cannot be had, a refusal is right.
+/// A tebibyte less a block; the header alone takes a gibibyte, and 32 bits have room for an eighth of it.
 TEST_F(Big, PackageOfTheMostBlocks) {
-    PutFrame(kMostBlocks);
-    PutWords(kMostBlocks - 2, {kUsed | kMostBlocks, kUsed});
-    PutFile(kMostBlocks - 1, 5000);
+    const std::uint32_t blocks = sizeof(void*) > 4 ? kMostBlocks : kMostBlocks / 8;
+    PutFrame(blocks);
+    PutWords(blocks - 2, {kUsed | blocks, kUsed});
+    PutFile(blocks - 1, 5000);
     const std::int32_t package = Open();
-    if (package == 0) {
-        EXPECT_EQ(error_, VLT_OPEN_NOT_A_PACKAGE);
-        EXPECT_EQ(sizeof(void*), 4u);
-        return;
-    }
+    ASSERT_NE(package, 0) << error_;
     const std::uint32_t file = OpenFile(package, "f", VLT_MODE_WRITE);
-    WriteAndRead(file, 4000, Pattern("last", 4192), std::int64_t{kMostBlocks - 2} * 4096 + 4000);
-    WriteAndRead(file, 8192, Pattern("first free", 10), std::int64_t{HeaderBlocks(kMostBlocks) + 1} * 4096);
+    WriteAndRead(file, 4000, Pattern("last", 4192), std::int64_t{blocks - 2} * 4096 + 4000);
+    WriteAndRead(file, 8192, Pattern("first free", 10), std::int64_t{HeaderBlocks(blocks) + 1} * 4096);
 }
 
 /// At the most blocks a full package does not grow. Its map is cut short here, which makes it full at once.
@@ -144,6 +141,7 @@ TEST_F(Big, GrowthStopsAtTheMostBlocks) {
     std::vector<std::uint32_t> words(998, kUsed);
     PutWords(0, words);
     const std::int32_t package = Open();
+    if (package == 0 && sizeof(void*) == 4) return;  // there is no room for a header of full length
     ASSERT_NE(package, 0) << error_;
     EXPECT_EQ(WriteTo(OpenFile(package, "new", VLT_MODE_WRITE), {1}), false);
     std::int64_t length = 0;
