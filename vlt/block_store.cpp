@@ -100,8 +100,10 @@ bool count_free_blocks(vlt_store& store) {
     for (std::int32_t block = 0; block < blocks; ++block)
         if (!(store.map_word(block) & VLT_BLOCK_USED) && !store.own_blocks.contains(static_cast<std::size_t>(block)))
             store.free_blocks.add(static_cast<std::size_t>(block));
-    for (std::int32_t block = 0; block < blocks; ++block)
-        if (const std::uint32_t next = store.map_word(block) & VLT_NEXT_MASK) store.free_blocks.remove(next - 1);
+    for (std::int32_t block = 0; block < blocks; ++block) {
+        const std::uint32_t word = store.map_word(block), next = word & VLT_NEXT_MASK;
+        if ((word & VLT_BLOCK_USED) && next != 0) store.free_blocks.remove(next - 1);
+    }
     for (std::int32_t i = 0; i < vlt_dir_count(store); ++i)
         if (store.entry(i).in_use() && store.entry(i).first_block() != 0)
             store.free_blocks.remove(store.entry(i).first_block() - 1);
@@ -151,7 +153,7 @@ bool vlt_chain_extension::take_blocks(std::int32_t count) {
     return true;
 }
 
-bool vlt_chain_extension::take(std::int32_t kept, std::int32_t count) {
+bool vlt_chain_extension::take(std::int32_t kept, std::int32_t count, bool appends) {
     if (!count_free_blocks(store_) || !learn(store_, chain_, store_.block_count)) return false;
     if (chain_.length() >= store_.block_count) return false;  // it loops: there is no end to link to
     drop_unfinished_end(store_, chain_, kept);
@@ -160,7 +162,7 @@ bool vlt_chain_extension::take(std::int32_t kept, std::int32_t count) {
     old_word_ = before_ >= 0 ? store_.map_word(before_) : 0;
 
     const std::int32_t missing = count - static_cast<std::int32_t>(store_.free_blocks.count());
-    const bool filled_at_once = old_length_ == kept;
+    const bool filled_at_once = appends && old_length_ == kept;
     if (missing > 0 && !(filled_at_once && grow_unwritten(missing)) && !vlt_package_grow(store_, count)) return false;
     return take_blocks(count);
 }
@@ -311,29 +313,31 @@ std::int32_t blocks_to_append(const vlt_store& store, std::int32_t wanted) {
 
 bool vlt_package_grow(vlt_store& store, std::int32_t wanted) {
     if (!count_free_blocks(store)) return false;
-    const auto missing = [&] { return wanted - static_cast<std::int32_t>(store.free_blocks.count()); };
-    while (missing() > 0) {
-        std::int32_t count = blocks_to_append(store, missing());
+    bool all_at_once = true;  // where not all of them fit, as many as do become free, one growth after the other
+    for (;;) {
+        const std::int32_t missing = wanted - static_cast<std::int32_t>(store.free_blocks.count());
+        if (missing <= 0) return true;
+        const std::int32_t count = blocks_to_append(store, all_at_once ? missing : 1);
         if (count == 0) return false;
         if (!append_blocks(store, count)) {
-            // Not all of them fit: as many as do become free blocks, one growth after the other.
-            count = std::min(count, blocks_to_append(store, 1));
-            if (!append_blocks(store, count)) return false;
+            if (!all_at_once) return false;
+            all_at_once = false;
+            continue;
         }
         for (const std::int32_t end = store.block_count + count; store.block_count < end;)
             if (!grow_step(store)) return false;
     }
-    return true;
 }
 
 bool vlt_dir_extend(vlt_store& store) {
     if (!count_free_blocks(store)) return false;
-    const bool grown = store.free_blocks.count() == 0;
-    if (grown && !vlt_package_grow(store, 1)) return false;
+    const std::int32_t old_count = store.block_count;
+    if (store.free_blocks.count() == 0 && !vlt_package_grow(store, 1)) return false;
     const std::size_t old_size = store.directory.size();
     const auto block = static_cast<std::int32_t>(store.free_blocks.lowest());
-    static const char zeros[VLT_BLOCK_SIZE] = {};  // a block just grown is zero already
-    if (!grown && !host_write(store.fd, host_offset(store, block), zeros, sizeof zeros)) return false;
+    static const char zeros[VLT_BLOCK_SIZE] = {};
+    const bool zero_already = block >= old_count;  // just grown
+    if (!zero_already && !host_write(store.fd, host_offset(store, block), zeros, sizeof zeros)) return false;
 
     // The image and the chain first, in memory only: nothing can fail any more but the two map words.
     if (!store.directory.resize(old_size + VLT_BLOCK_SIZE)) return false;

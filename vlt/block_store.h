@@ -42,7 +42,8 @@ struct vlt_store {
     bool blocks_counted = false;   //
     IndexSet free_entries;         // directory entries that may be taken; empty until entries_counted
     bool entries_counted = false;  //
-    vlt_name_index names;          // entries in use by name
+    vlt_name_index names;          // entries in use by name, the lowest of each name and kind
+    bool names_repeat = false;     // a damaged directory: entries were left out of it
     vlt_open_entries open_files;   // entries with an open file, and their chains
     vlt_stamp_clock clock;         //
     bool directory_ahead = false;  // an entry in the image may differ from the host file
@@ -94,9 +95,9 @@ public:
     ~vlt_chain_extension();
 
     /// Takes `count` free blocks, lowest index first, growing the package when there are too few. `kept` is how many
-    /// blocks of the chain hold stored bytes. False when the package cannot grow, the chain has no end, or memory
-    /// runs out; nothing is taken then.
-    bool take(std::int32_t kept, std::int32_t count);
+    /// blocks of the chain hold stored bytes; `appends`: none of those will be written before `finish`. False when
+    /// the package cannot grow, the chain has no end, or memory runs out; nothing is taken then.
+    bool take(std::int32_t kept, std::int32_t count, bool appends);
 
     /// Writes the map words through, after the chain's bytes were written up to the offset `end`. False when the host
     /// file fails; the blocks stay in use then, and no chain holds them.
@@ -128,6 +129,11 @@ bool vlt_dir_extend(vlt_store& store);
 
 /// Number of directory entries that the directory image holds.
 std::int32_t vlt_dir_count(const vlt_store& store);
+
+/// Number of entries that it holds once it has grown by a block.
+inline std::size_t vlt_dir_count_grown(const vlt_store& store) {
+    return (store.directory.size() + VLT_BLOCK_SIZE) / static_cast<std::size_t>(store.entry_size());
+}
 
 /// Compares every derived structure with the images.
 void vlt_check_blocks(vlt_store& store);

@@ -14,12 +14,32 @@ std::uint32_t entry_hash(vlt_store& store, std::int32_t index) {
     return vlt_name_hash([&](std::size_t i) -> std::uint32_t { return vlt_name_unit<char>(name, i); });
 }
 
+/// Whether two entries have the same kind and name, letter case aside.
+bool same_name(vlt_store& store, std::int32_t a, std::int32_t b) {
+    const vlt_dir_entry left = store.entry(a), right = store.entry(b);
+    if (left.kind() != right.kind()) return false;
+    return store.wide_names ? vlt_names_equal<char16_t>(left.name(), right.name())
+                            : vlt_names_equal<char>(left.name(), right.name());
+}
+
+/// Enters an entry into the name index, unless a lower one of the same name and kind is there: no lookup finds it.
+void index_name(vlt_store& store, std::int32_t index) {
+    const std::uint32_t hash = entry_hash(store, index);
+    bool repeats = false;
+    store.names.for_each(hash, [&](std::int32_t i) { repeats = repeats || same_name(store, i, index); });
+    if (repeats) {
+        store.names_repeat = true;
+    } else {
+        store.names.add(index, hash);
+    }
+}
+
 /// Enters the entries from `first` on into the name index.
 bool index_names(vlt_store& store, std::int32_t first) {
     const std::int32_t count = vlt_dir_count(store);
     if (!store.names.set_limit(static_cast<std::size_t>(count))) return false;
     for (std::int32_t i = first; i < count; ++i)
-        if (store.entry(i).in_use()) store.names.add(i, entry_hash(store, i));
+        if (store.entry(i).in_use()) index_name(store, i);
     return true;
 }
 
@@ -40,8 +60,7 @@ bool provide_free_entry(vlt_store& store) {
     if (!store.entries_counted && !count_free_entries(store, 0)) return false;
     while (store.free_entries.count() == 0) {
         const std::int32_t count = vlt_dir_count(store);
-        const std::size_t limit =
-            (store.directory.size() + VLT_BLOCK_SIZE) / static_cast<std::size_t>(store.entry_size());
+        const std::size_t limit = vlt_dir_count_grown(store);
         if (!store.free_entries.set_limit(limit) || !store.names.set_limit(limit)) return false;
         if (!vlt_dir_extend(store) || !index_names(store, count) || !count_free_entries(store, count)) return false;
     }
@@ -96,9 +115,26 @@ bool vlt_dir_put(vlt_store& store, std::int32_t index) {
 
 void vlt_dir_free(vlt_store& store, std::int32_t index) {
     store.entry(index).set_kind(VLT_ENTRY_FREE);
-    if (store.names.built()) store.names.remove(index, entry_hash(store, index));
+    if (store.names_repeat) {
+        store.names.clear();  // the next lookup builds it anew, with the entries that this one hid
+        store.names_repeat = false;
+    } else if (store.names.built()) {
+        store.names.remove(index, entry_hash(store, index));
+    }
     if (store.entries_counted) store.free_entries.add(static_cast<std::size_t>(index));
 }
+
+namespace {
+
+/// In a damaged package another file can have shared blocks with a chain that was released. Its own chain ends there
+/// now; as the two had one end, its last block tells.
+void forget_released_chains(vlt_store& store) {
+    store.open_files.for_each([&](vlt_open_entry& open) {
+        if (!open.chain.empty() && !(store.map_word(open.chain.last_block()) & VLT_BLOCK_USED)) open.chain.clear();
+    });
+}
+
+}  // namespace
 
 bool vlt_file_empty(vlt_store& store, std::int32_t index) {
     vlt_dir_entry entry = store.entry(index);
@@ -109,17 +145,21 @@ bool vlt_file_empty(vlt_store& store, std::int32_t index) {
     entry.set_accessed(now);
     entry.set_written(now);
     if (vlt_open_entry* open = store.open_files.find(index)) open->chain.clear();
-    return vlt_dir_put(store, index) && vlt_chain_release(store, first_block);
+    if (!vlt_dir_put(store, index)) return false;
+    const bool released = vlt_chain_release(store, first_block);
+    if (first_block != 0) forget_released_chains(store);
+    return released;
 }
 
 // ---- The plain truth ---------------------------------------------------------------------------------------------
 
 namespace {
 
-/// Whether the name index leads to an entry.
+/// Whether the name index leads to an entry, or to one of the same name and kind.
 bool indexed(vlt_store& store, std::int32_t index) {
     bool found = false;
-    store.names.for_each(entry_hash(store, index), [&](std::int32_t i) { found = found || i == index; });
+    store.names.for_each(entry_hash(store, index),
+                         [&](std::int32_t i) { found = found || same_name(store, i, index); });
     return found;
 }
 

@@ -43,8 +43,9 @@ std::int64_t blocks_for(std::int64_t bytes) {
     return bytes / VLT_BLOCK_SIZE + (bytes % VLT_BLOCK_SIZE > 0 ? 1 : 0);
 }
 
-/// Takes the blocks that the file needs more, for its length to become `end`.
-bool vlt_file_reserve(vlt_store& store, std::int32_t index, std::int64_t end, vlt_chain_extension& extension) {
+/// Takes the blocks that the file needs more, for bytes from `position` to `end` to be written.
+bool vlt_file_reserve(vlt_store& store, std::int32_t index, std::int64_t position, std::int64_t end,
+                      vlt_chain_extension& extension) {
     const vlt_dir_entry entry = store.entry(index);
     const std::int64_t kept = entry.size() > 0 ? blocks_for(entry.size()) : 0;
     const std::int64_t wanted = blocks_for(end) - kept;
@@ -52,7 +53,8 @@ bool vlt_file_reserve(vlt_store& store, std::int32_t index, std::int64_t end, vl
     if (blocks_for(end) > VLT_BLOCKS_MAX) return false;
     vlt_chain& chain = store.open_files.find(index)->chain;
     if (entry.first_block() != 0 && !vlt_chain_begin(store, chain, entry.first_block())) return false;
-    return extension.take(static_cast<std::int32_t>(kept), static_cast<std::int32_t>(wanted));
+    return extension.take(static_cast<std::int32_t>(kept), static_cast<std::int32_t>(wanted),
+                          position >= entry.size());
 }
 
 /// Enters what a write has changed, and writes the entry unless its bytes are in the host file already.
@@ -75,7 +77,7 @@ bool write(vlt_store& store, vlt_file& file, const void* data, std::int32_t leng
     const std::int64_t end = file.position + length;
     vlt_chain& chain = store.open_files.find(index)->chain;
     vlt_chain_extension extension(store, chain);
-    if (!vlt_file_reserve(store, index, end, extension)) return false;
+    if (!vlt_file_reserve(store, index, file.position, end, extension)) return false;
     if (chain.empty() && !vlt_chain_begin(store, chain, store.entry(index).first_block())) return false;
     if (!vlt_chain_write(store, chain, file.position, data, length)) return false;
     if (!extension.finish(end) || !finish_write(store, index, chain, end)) return false;

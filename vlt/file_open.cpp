@@ -19,24 +19,17 @@ std::uint32_t open_stored_file(vlt_store& store, vlt_file_table& files, const Ch
     std::int32_t index = vlt_no_entry;
     if (vlt_name_length(name) > VLT_NAME_MAX) return VLT_FILE_NOT_FOUND;
     if (!vlt_dir_find(store, name, vlt_lookup::files, &index)) return VLT_FILE_NOT_FOUND;
-    const bool found = index != vlt_no_entry;
     const bool writes = request.mode != VLT_MODE_READ;
-    if (found) {
-        if (!vlt_file_check_share(store, index, request.mode, request.exclusive)) return VLT_FILE_ACCESS;
-        // An entry whose writing failed when it was made must not be known here alone.
-        if (writes && store.entry_unwritten && !vlt_dir_put(store, index)) return VLT_FILE_NOT_FOUND;
-    } else {
-        if (writes) index = vlt_dir_add(store, name);
-        if (index == vlt_no_entry) return VLT_FILE_NOT_FOUND;
-    }
+    const bool found = index != vlt_no_entry;
+    if (found && !vlt_file_check_share(store, index, request.mode, request.exclusive)) return VLT_FILE_ACCESS;
+    if (!found && !writes) return VLT_FILE_NOT_FOUND;
+    // All room is had before a file is made: a refused open makes none.
+    if (!files.provide() || !store.open_files.provide(vlt_dir_count_grown(store))) return VLT_FILE_NO_SLOT;
+    if (!found) index = vlt_dir_add(store, name);
+    if (index == vlt_no_entry) return VLT_FILE_NOT_FOUND;
+    // An entry whose writing failed when it was made must not be known here alone.
+    if (found && writes && store.entry_unwritten && !vlt_dir_put(store, index)) return VLT_FILE_NOT_FOUND;
     *number = files.vlt_file_slot_take(store, index, request.mode, request.exclusive);
-    if (*number == 0) {
-        if (!found) {  // a refused open makes no file
-            vlt_dir_free(store, index);
-            vlt_dir_put(store, index);
-        }
-        return VLT_FILE_NO_SLOT;
-    }
     if (request.truncate && !vlt_file_empty(store, index)) {
         files.release(store, *number);
         return VLT_FILE_NO_SLOT;

@@ -3,7 +3,8 @@
 
 #include <algorithm>
 
-bool vlt_file_table::grow() {
+bool vlt_file_table::provide() {
+    if (free_.count() > 0) return true;
     const auto old_size = slots_.size();
     const auto new_size = std::min<std::size_t>(old_size + VLT_FILE_TABLE_STEP, VLT_FILE_SLOTS_MAX);
     if (new_size == old_size || !free_.set_limit(new_size) || !slots_.resize(new_size)) return false;
@@ -13,14 +14,13 @@ bool vlt_file_table::grow() {
 
 std::int32_t vlt_file_table::vlt_file_slot_take(vlt_store& store, std::int32_t entry_index, std::uint32_t mode,
                                                 bool exclusive) {
-    if (free_.count() == 0 && !grow()) return 0;
     const std::size_t slot = free_.lowest();
     vlt_file file{};
     file.mode = mode;
     file.exclusive = exclusive;
     file.entry_number = entry_index + 1;
     if (mode == VLT_MODE_APPEND) file.position = file.append_floor = store.entry(entry_index).size();
-    if (!store.open_files.add(entry_index, file.writes(), exclusive)) return 0;
+    store.open_files.add(entry_index, file.writes(), exclusive);
     free_.remove(slot);
     slots_[slot] = file;
     return static_cast<std::int32_t>(slot) + 1;

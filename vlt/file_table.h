@@ -33,8 +33,11 @@ public:
         return number >= 1 && number <= capacity() ? &slots_[static_cast<std::size_t>(number) - 1] : nullptr;
     }
 
-    /// Takes the lowest free slot for a directory entry, growing the table when there is none. Returns its number, 0
-    /// when the table is full or memory runs out.
+    /// Makes sure that there is a free slot; false when the table is full or memory runs out.
+    [[nodiscard]] bool provide();
+
+    /// Takes the lowest free slot for a directory entry and returns its number. There must be one, and room for the
+    /// entry among the store's open files.
     std::int32_t vlt_file_slot_take(vlt_store& store, std::int32_t entry_index, std::uint32_t mode, bool exclusive);
 
     /// Frees a slot; one that is free already stays so.
@@ -44,8 +47,6 @@ public:
     void release_all(vlt_store& store);
 
 private:
-    [[nodiscard]] bool grow();
-
     Array<vlt_file> slots_;
     IndexSet free_;  // slot numbers minus 1
 };

@@ -20,14 +20,20 @@ bool claim(vlt_store& store, vlt_chain& chain, std::uint32_t number) {
     return chain.append(block);
 }
 
-/// The link in a block's map word; 0 when that word lies in a part of the header that is not there.
+/// Whether the part of the header that has been read holds the map word of a block.
+bool has_word(const vlt_store& store, std::int32_t block) {
+    return block < vlt_map_capacity(store.header_blocks());
+}
+
+/// The link in a block's map word; 0 as long as that word has not been read.
 std::uint32_t link_of(vlt_store& store, std::int32_t block) {
-    return block < vlt_map_capacity(store.header_blocks()) ? store.map_word(block) & VLT_NEXT_MASK : 0;
+    return has_word(store, block) ? store.map_word(block) & VLT_NEXT_MASK : 0;
 }
 
 /// Reads the part of a chain that is claimed but not in its image yet, one host call for each run.
 bool read_claimed(vlt_store& store, const vlt_chain& chain, Array<std::uint8_t>& image) {
     auto position = static_cast<std::int32_t>(image.size() / VLT_BLOCK_SIZE);
+    if (static_cast<std::size_t>(chain.length()) > SIZE_MAX / 2 / VLT_BLOCK_SIZE) return false;
     if (!image.resize(static_cast<std::size_t>(chain.length()) * VLT_BLOCK_SIZE)) return false;
     while (position < chain.length()) {
         const vlt_run run = chain.run_at(position);
@@ -48,14 +54,15 @@ bool load_header(vlt_store& store) {
         const std::int32_t known = store.header_chain.length();
         for (std::uint32_t link; (link = link_of(store, store.header_chain.last_block())) != 0;)
             if (store.header_chain.length() >= expected || !claim(store, store.header_chain, link)) return false;
-        if (store.header_chain.length() == known) return true;
+        if (store.header_chain.length() == known) return has_word(store, store.header_chain.last_block());
     }
 }
 
 bool load_directory(vlt_store& store) {
     for (std::uint32_t link; (link = link_of(store, store.directory_chain.last_block())) != 0;)
         if (!claim(store, store.directory_chain, link)) return false;
-    return read_claimed(store, store.directory_chain, store.directory);
+    return has_word(store, store.directory_chain.last_block()) &&
+           read_claimed(store, store.directory_chain, store.directory);
 }
 
 bool read_magic(vlt_store& store) {

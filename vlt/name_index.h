@@ -19,6 +19,9 @@ public:
     /// Removes an entry that was added under that hash; one that is not there is ignored.
     void remove(std::int32_t entry, std::uint32_t hash);
 
+    /// Forgets everything; it is not built then.
+    void clear() { slots_.clear(); }
+
     /// Calls `use(entry)` for every entry whose name has that hash, in no order.
     template <typename Use>
     void for_each(std::uint32_t hash, Use use) const {

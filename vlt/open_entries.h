@@ -15,6 +15,8 @@ struct vlt_open_entry {
     std::int32_t writers = 0;          // of these, opened for writing or appending
     std::int32_t exclusive_opens = 0;  // of these, opened exclusively
     vlt_chain chain;
+    vlt_open_entry* previous = nullptr;  // in the list of all open entries
+    vlt_open_entry* next = nullptr;
 };
 
 class vlt_open_entries {
@@ -32,14 +34,24 @@ public:
                                                                   : nullptr;
     }
 
-    /// Counts one more open of an entry; null when memory runs out.
-    vlt_open_entry* add(std::int32_t index, bool writes, bool exclusive) {
-        const auto at = static_cast<std::size_t>(index);
-        if (!by_index_.resize(at < by_index_.size() ? by_index_.size() : at + 1)) return nullptr;
-        if (!by_index_[at]) by_index_[at] = spare_ ? spare_.release() : make_owned<vlt_open_entry>().release();
-        vlt_open_entry* entry = by_index_[at];
-        if (entry) count(*entry, writes, exclusive, 1);
-        return entry;
+    /// Makes room for one more open of any of the first `entries` entries; false when memory runs out.
+    [[nodiscard]] bool provide(std::size_t entries) {
+        if (!by_index_.resize(entries > by_index_.size() ? entries : by_index_.size())) return false;
+        if (!spare_) spare_ = make_owned<vlt_open_entry>();
+        return spare_ != nullptr;
+    }
+
+    /// Counts one more open of an entry that room was made for.
+    void add(std::int32_t index, bool writes, bool exclusive) {
+        vlt_open_entry*& entry = by_index_[static_cast<std::size_t>(index)];
+        if (!entry) {
+            entry = spare_.release();
+            entry->next = list_;
+            entry->previous = nullptr;
+            if (list_) list_->previous = entry;
+            list_ = entry;
+        }
+        count(*entry, writes, exclusive, 1);
     }
 
     /// Counts one open less, and forgets the entry with its last.
@@ -47,9 +59,16 @@ public:
         vlt_open_entry*& entry = by_index_[static_cast<std::size_t>(index)];
         count(*entry, writes, exclusive, -1);
         if (entry->opens > 0) return;
+        (entry->previous ? entry->previous->next : list_) = entry->next;
+        if (entry->next) entry->next->previous = entry->previous;
         entry->chain.clear();
         spare_.reset(entry);
         entry = nullptr;
+    }
+
+    template <typename Use>
+    void for_each(Use use) {
+        for (vlt_open_entry* entry = list_; entry; entry = entry->next) use(*entry);
     }
 
 private:
@@ -60,5 +79,6 @@ private:
     }
 
     Array<vlt_open_entry*> by_index_;
+    vlt_open_entry* list_ = nullptr;
     Owned<vlt_open_entry> spare_;  // for the next file to be opened: as a rule one is closed before
 };

@@ -48,6 +48,17 @@ bool vlt_name_equals(const std::uint8_t* stored, const Char* name) {
     return false;
 }
 
+/// Whether the names in two entries are equal, without regard to letter case.
+template <typename Char>
+bool vlt_names_equal(const std::uint8_t* a, const std::uint8_t* b) {
+    for (std::size_t i = 0; i <= VLT_NAME_MAX; ++i) {
+        const auto left = vlt_name_unit<Char>(a, i);
+        if (fold_case(left) != fold_case(vlt_name_unit<Char>(b, i))) return false;
+        if (left == 0) return true;
+    }
+    return true;
+}
+
 /// Copies the name of an entry, with its terminator, into room for VLT_NAME_MAX + 1 code units.
 template <typename Char>
 void vlt_name_copy(Char* to, const std::uint8_t* stored) {

@@ -8,8 +8,8 @@
 std::FILE* disk_open(const char* path, DiskMode mode) {
     const PosixPath native(path);
     if (!native.get()) return nullptr;
-    struct stat info;  // a directory opens for reading here, and then reads nothing
-    if (mode == DiskMode::read && (::stat(native.get(), &info) != 0 || S_ISDIR(info.st_mode))) return nullptr;
+    struct stat info;  // a directory would open for reading, and a pipe would wait for its other end
+    if (::stat(native.get(), &info) == 0 && (S_ISDIR(info.st_mode) || S_ISFIFO(info.st_mode))) return nullptr;
     return std::fopen(native.get(), mode == DiskMode::read ? "rbe" : "wbe");
 }
 
@@ -36,7 +36,8 @@ bool disk_close(std::FILE* stream) {
 
 void disk_remove(const char* path) {
     const PosixPath native(path);
-    if (native.get()) std::remove(native.get());
+    struct stat info;  // never a device that could not be written
+    if (native.get() && ::lstat(native.get(), &info) == 0 && S_ISREG(info.st_mode)) std::remove(native.get());
 }
 
 PathKind disk_path_kind(const char* path) {

@@ -14,10 +14,10 @@ int host_open(const char* path, bool writable) {
     if (!native.get()) return -1;
     int fd;
     do {
-        fd = ::open(native.get(), (writable ? O_RDWR : O_RDONLY) | O_CLOEXEC);
+        fd = ::open(native.get(), (writable ? O_RDWR : O_RDONLY) | O_CLOEXEC | O_NONBLOCK);  // a pipe must not wait
     } while (fd < 0 && errno == EINTR);
     struct stat info;
-    if (fd >= 0 && (::fstat(fd, &info) != 0 || S_ISDIR(info.st_mode))) {  // a directory opens for reading here
+    if (fd >= 0 && (::fstat(fd, &info) != 0 || !(S_ISREG(info.st_mode) || S_ISBLK(info.st_mode)))) {
         ::close(fd);
         return -1;
     }
