@@ -17,7 +17,7 @@ constexpr char kPath[] = "dir/a.vlt";
 constexpr std::size_t kOffset = 10000;  // of the package with credentials
 constexpr std::size_t kBlock = 4096;
 constexpr std::uint32_t kLongest = 3 * kBlock + 2;  // bytes of one read or write
-using Name = std::u16string;  // narrow names: one unit a byte
+using Name = std::u16string;                        // narrow names: one unit a byte
 
 Name Folded(Name name) {
     for (char16_t& c : name)
@@ -156,8 +156,10 @@ public:
     Script(Input& input, std::size_t base) : input_(input), base_(base) {
         const PackageImage image(HostFile(kPath), base_);
         wide_ = image.wide;
-        sound_ = Faults(image).empty();
         if (image.is_package()) files_ = SoundFiles(image);
+        const auto used = [](const ImageEntry& entry) { return entry.used(); };
+        const auto entries = std::count_if(image.entries.begin(), image.entries.end(), used);
+        sound_ = Faults(image).empty() && static_cast<std::size_t>(entries) == files_.size();
     }
 
     void Run() {
@@ -394,7 +396,7 @@ private:
     Input& input_;
     const std::size_t base_;
     bool wide_ = false;
-    bool sound_ = false;           // the package was sound at first
+    bool sound_ = false;           // the package was sound at first, and every name in it is a file's own
     std::map<Name, Bytes> files_;  // what is known of them, by folded name
     std::set<Name> forgotten_;     // of these nothing is
     std::array<std::int32_t, 3> packages_{};
