@@ -31,9 +31,8 @@ std::size_t FirstDifference(const std::string& path, const Bytes& wanted) {
     std::size_t at = 0, count = 0;
     while ((count = std::fread(piece, 1, sizeof piece, file)) > 0) {
         const std::size_t compared = std::min(count, wanted.size() - at);
-        const std::uint8_t* first = std::mismatch(piece, piece + compared, wanted.data() + at).first;
-        if (first != piece + count) {
-            at += static_cast<std::size_t>(first - piece);
+        if (compared < count || std::memcmp(piece, wanted.data() + at, count) != 0) {
+            at += static_cast<std::size_t>(std::mismatch(piece, piece + compared, wanted.data() + at).first - piece);
             break;
         }
         at += count;
