@@ -58,7 +58,7 @@ protected:
         PutRun(1, 5, at, kind, 1);
         PutRun(1, 5, at + 1, blocks.empty() ? 0 : static_cast<std::uint64_t>(blocks[0] + 1), 4);
         PutRun(1, 5, at + 5, data.size(), 8);
-        for (const std::size_t stamp : {13, 21, 29}) PutRun(1, 5, at + stamp, 0x41731F1912405815, 8);
+        for (const std::size_t stamp : {13U, 21U, 29U}) PutRun(1, 5, at + stamp, 0x41731F1912405815, 8);
         for (std::size_t i = 0; i < name.size(); ++i)
             PutRun(1, 5, at + 37 + i * (wide ? 2 : 1), static_cast<unsigned char>(name[i]), 1);
         PutChain(blocks);
