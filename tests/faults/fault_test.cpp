@@ -68,6 +68,7 @@ Model ExpectMended(World& world, const Operation& operation, const FaultKind& ki
         const std::uint32_t bystander = OpenFile(world.package(), "bystander", VLT_MODE_WRITE);
         EXPECT_TRUE(WriteTo(bystander, files["bystander"] = Pattern("bystander", 9000)));
         vlt_file_close(bystander);
+        EXPECT_EQ(Faults(world.Image(), LeniencyAfter(kind)), "");
         return Repeat(world, operation, file, files);
     }
 
