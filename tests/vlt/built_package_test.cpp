@@ -25,7 +25,7 @@ protected:
         PutFile(1, 0, "deleted", {}, {});
         PutFile(2, 1, "two", {3, 4}, Pattern("two", 3));  // one block more than it needs
         PutFile(4, 1, "three", {}, {});
-        PutFile(5, 2, "other", {999}, Pattern("other", 4096));
+        PutFile(5, 2, "other", {998}, Pattern("other", 4096));
         PutFile(6, 1, "late", {12}, Pattern("late", 7));
         WriteHostFile(path, host_);
         package = Open({.offset = 100});
@@ -98,6 +98,20 @@ TEST_P(BuiltPackage, IsContinuedWhereItEnds) {
     const Bytes after = ReadHostFile(path);
     EXPECT_TRUE(std::equal(host_.begin(), host_.begin() + 100 + 101, after.begin())) << "up to the map";
     EXPECT_EQ(host_.size(), after.size());
+}
+
+TEST_P(BuiltPackage, MayHaveTheFewestBlocksThatNeedASecondHeaderBlock) {
+    vlt_package_close_all();
+    host_.resize(base + 999 * 4096);
+    WriteHostFile(path, host_);
+    Reopen();
+    EXPECT_EQ("", Faults(Image(), leniency));
+    EXPECT_TRUE(Intact("late", 7));
+    Write("all the rest", 988 * 4096);
+    EXPECT_EQ(999, Image().block_count);
+    Write("one more", 1);
+    EXPECT_EQ(1000, Image().block_count);
+    EXPECT_EQ(std::vector{999}, ChainOf("one more"));
 }
 
 TEST_P(BuiltPackage, GrowsOverWhatFollowsItsLastBlock) {
