@@ -182,6 +182,10 @@ bool __wrap_disk_write(std::FILE* stream, const void* data, std::size_t length) 
     return whole;
 }
 
+bool __wrap_disk_flush(std::FILE*) {
+    return true;
+}
+
 bool __wrap_disk_size(std::FILE* stream, std::int64_t* size) {
     Of(stream)->at = 0;
     *size = static_cast<std::int64_t>(Of(stream)->file->size());

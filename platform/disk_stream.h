@@ -19,6 +19,9 @@ std::size_t disk_read(std::FILE* stream, void* buffer, std::size_t length);
 /// Writes exactly `length` bytes; fewer is a failure.
 bool disk_write(std::FILE* stream, const void* data, std::size_t length);
 
+/// Hands everything written so far to the host; false when it does not take it.
+bool disk_flush(std::FILE* stream);
+
 /// Stores the length of the file in bytes and leaves the stream at its start.
 bool disk_size(std::FILE* stream, std::int64_t* size);
 

@@ -52,7 +52,7 @@ if(TARGET fault_tests)
             heap_alloc heap_alloc_zeroed heap_resize heap_free
             mutex_create mutex_destroy mutex_lock mutex_unlock
             host_open host_close host_read host_write host_size host_extend
-            disk_open disk_read disk_write disk_size disk_close)
+            disk_open disk_read disk_write disk_size disk_flush disk_close)
         target_link_options(fault_tests PRIVATE LINKER:--wrap=${function})
     endforeach()
     # Under the thread sanitizer only what threads do side by side is of interest; the rest would take minutes.

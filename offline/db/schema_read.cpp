@@ -8,6 +8,7 @@
 #include "offline/db/schema.h"
 #include "offline/db/stream.h"
 #include "offline/tables/error_state.h"
+#include "offline/tables/table.h"
 #include "offline/tables/text.h"
 
 namespace {
@@ -53,7 +54,7 @@ bool declare_field(KOfflineDb_SchemaState& state, const char* first, char* rest)
     if (table == TABLE_COUNT || !equals_fold(first, "field")) return false;
     const char* name = take_word(&rest);
     if (is_empty(name)) return false;
-    KOfflineDb_AppendSchemaField(&state.db->tables[table], name);
+    (void)append_field_alone(&state.db->tables[table], name);  // it notes a failure, which the load meets there
     return true;
 }
 
@@ -124,8 +125,11 @@ std::int32_t read_schema(KOfflineDb* db, const char* path, KOfflineDb_SchemaStat
     if (!text) return 0;
     *state = {};
     state->db = db;
+    std::int32_t old_counts[TABLE_COUNT];  // records of an earlier load are laid out once, not for each field
+    for (int t = 0; t < TABLE_COUNT; ++t) old_counts[t] = KOfflineTable_GetFldsCount(&db->tables[t]);
     const std::int32_t parsed =
         KLevelText_Parse(text.get(), 0, "\r\n", ",", ".", "//", "\t \r\n", 0, KOfflineDb_SchemaNode, state);
     if (parsed < 0) KOfflineDb_SetError(db, KOFFLINE_ERR_MEMORY);
+    for (int t = 0; t < TABLE_COUNT; ++t) (void)lay_out_records(&db->tables[t], old_counts[t]);
     return db->error_code != KOFFLINE_ERR_MEMORY;
 }

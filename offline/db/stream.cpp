@@ -62,6 +62,10 @@ std::int32_t KOfflineStream_GetSize(KOfflineStream* stream, std::int32_t* size) 
     return 1;
 }
 
+std::int32_t KOfflineStream_Flush(KOfflineStream* stream) {
+    return stream->in_package >= 1 || disk_flush(stream->file.disk) ? 1 : 0;
+}
+
 void KOfflineStream_Close(KOfflineDb*, KOfflineStream* stream) {
     if (stream->in_package >= 1) {
         vlt_file_close(stream->file.handle);

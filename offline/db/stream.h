@@ -31,5 +31,9 @@ std::int32_t KOfflineStream_Write(const void* buffer, std::int32_t count, KOffli
 /// file of 2 GiB or more is.
 std::int32_t KOfflineStream_GetSize(KOfflineStream* stream, std::int32_t* size);
 
+/// Hands everything written so far to the host. Returns 1, or 0 when it does not take it; what is inside a package is
+/// there already.
+std::int32_t KOfflineStream_Flush(KOfflineStream* stream);
+
 /// Closes the stream. What is closed depends on the stream alone, not on what `db` has open by now.
 void KOfflineStream_Close(KOfflineDb* db, KOfflineStream* stream);

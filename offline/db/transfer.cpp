@@ -1,4 +1,6 @@
 // SPDX-License-Identifier: MIT
+#include <algorithm>
+
 #include "offline/db/load.h"
 #include "offline/db/stream.h"
 #include "platform/disk_stream.h"
@@ -22,10 +24,15 @@ void copy_out(KOfflineStream* from, std::FILE* to) {
     }
 }
 
+/// Copies no more than the disk file holds at first: it may be the package itself, which grows as it is read.
 void copy_in(std::FILE* from, KOfflineStream* to) {
+    std::int64_t left = 0;
+    if (!disk_size(from, &left)) left = INT64_MAX;
     char chunk[KOfflineDb_COPY_CHUNK];
     std::size_t length;
-    while ((length = disk_read(from, chunk, KOfflineDb_COPY_CHUNK)) > 0) {
+    while ((length = disk_read(from, chunk, KOfflineDb_COPY_CHUNK)) > 0 && left > 0) {
+        length = static_cast<std::size_t>(std::min<std::int64_t>(left, static_cast<std::int64_t>(length)));
+        left -= static_cast<std::int64_t>(length);
         KOfflineStream_Write(chunk, static_cast<std::int32_t>(length), to);
     }
 }

@@ -32,16 +32,27 @@ bool reserve_field(KOfflineTable* table) {
 
 }  // namespace
 
-bool append_field(KOfflineTable* table, const char* name) {
+bool append_field_alone(KOfflineTable* table, const char* name) {
+    KOfflineField field{};
+    std::memcpy(field.field_name, name, ::strnlen(name, kFieldNameMax));
     table->field_count = std::max(table->field_count, 0);
-    if (!reserve_field(table) || !store_widen(table)) {
+    if (!reserve_field(table)) {  // which moves the fields, and a name that a caller has from them
         KOfflineDb_SetError(table->db, KOFFLINE_ERR_MEMORY);
         return false;
     }
-    KOfflineField* field = &table->fields[table->field_count++];
-    *field = {};
-    std::memcpy(field->field_name, name, ::strnlen(name, kFieldNameMax));
+    table->fields[table->field_count++] = field;
     return true;
+}
+
+bool lay_out_records(KOfflineTable* table, std::int32_t old_count) {
+    if (store_widen(table, old_count, table->field_count - old_count)) return true;
+    KOfflineDb_SetError(table->db, KOFFLINE_ERR_MEMORY);
+    table->field_count = old_count;
+    return false;
+}
+
+bool append_field(KOfflineTable* table, const char* name) {
+    return append_field_alone(table, name) && lay_out_records(table, table->field_count - 1);
 }
 
 void free_fields(KOfflineTable* table) {

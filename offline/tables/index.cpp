@@ -83,13 +83,14 @@ void lower(const std::int32_t* from, std::int32_t* to, std::size_t count, std::i
     for (; i < count; ++i) to[i] = from[i] - (from[i] > record);
 }
 
-/// Removes the entry of a record, which is there, and lowers the higher ones, in one pass.
+/// Removes the entry of a record and lowers the higher ones, in one pass.
 void remove_entry(std::int32_t* index, std::size_t count, std::int32_t record) {
     std::size_t at = 0;
     for (; at + kRun <= count && !run_has(index + at, record); at += kRun)
         lower(index + at, index + at, kRun, record);
     const auto place = static_cast<std::size_t>(std::find(index + at, index + count, record) - index);
     lower(index + at, index + at, place - at, record);
+    if (place == count) return;  // not there: a caller has written into the array
     lower(index + place + 1, index + place, count - place - 1, record);
     index[count - 1] = 0;
 }

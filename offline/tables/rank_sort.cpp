@@ -3,6 +3,7 @@
 
 #include <algorithm>
 
+#include "offline/tables/rank_extremes.h"
 #include "offline/tables/sort.h"
 
 namespace {
@@ -20,9 +21,17 @@ struct Part {
     std::size_t size() const { return hi - lo; }
 };
 
+// A partition is lopsided when one of its sides has fewer items than this part of it. Walking over all of it for so
+// little is what makes a quicksort quadratic.
+constexpr std::size_t kLopsided = 64;
+
+// Items walked over for little, as a multiple of all, before the sort takes care not to.
+constexpr std::size_t kPatience = 4;
+
 class RankSorter {
 public:
-    RankSorter(RankedItem* items, const std::uint32_t* before) : items_(items), before_(before) {}
+    RankSorter(RankedItem* items, std::size_t count, const std::uint32_t* before)
+        : items_(items), count_(count), before_(before) {}
 
     void sort(Part part) {
         while (true) {
@@ -52,7 +61,7 @@ private:
 
     /// Does to the part what KArray_Sort does about its middle element; false when nothing is left to go on with.
     bool partition(Part* part) {
-        std::swap(items_[part->lo], items_[part->lo + part->size() / 2]);
+        swap(part->lo, part->lo + part->size() / 2, extremes_.built());
         const std::uint32_t pivot = rank_of(items_[part->lo]);
         if (part->lowest == part->highest) return false;
         if (pivot == part->lowest) return drop_lowest(part);
@@ -74,7 +83,7 @@ private:
     bool drop_highest(Part* part) {
         std::size_t right = part->hi - 1;
         while (rank_of(items_[right]) == part->highest) --right;
-        std::swap(items_[part->lo], items_[right]);
+        swap(part->lo, right, extremes_.built());
         part->of_highest -= part->hi - right;
         part->hi = right;
         if (part->of_highest == 0) lower_highest(part);
@@ -94,11 +103,13 @@ private:
     }
 
     bool split(Part* part, std::uint32_t pivot) {
-        const Cursors met = exchange(*part, pivot);
+        const std::size_t smaller = part->of_lowest + between(part->lowest + 1, pivot);
+        const std::size_t larger = part->of_highest + between(pivot + 1, part->highest);
+        const Cursors met = exchange(*part, pivot, std::min(smaller, larger) < part->size() / kLopsided);
         Part near{part->lo, met.right, part->lowest, pivot, part->of_lowest, 0};
         Part far{met.left, part->hi, pivot, part->highest, 0, part->of_highest};
-        near.of_highest = near.size() - near.of_lowest - between(part->lowest + 1, pivot);
-        far.of_lowest = far.size() - far.of_highest - between(pivot + 1, part->highest);
+        near.of_highest = near.size() - smaller;
+        far.of_lowest = far.size() - larger;
         if (near.of_highest == 0) lower_highest(&near);
         if (far.of_lowest == 0) raise_lowest(&far);
         if (near.size() >= far.size()) std::swap(near, far);
@@ -112,9 +123,22 @@ private:
         std::size_t right;
     };
 
-    /// Moves the larger items behind the smaller ones; those equal to the pivot stay where they are. The part holds
-    /// smaller and larger items, so the cursors stop within it.
-    Cursors exchange(const Part& part, std::uint32_t pivot) {
+    /// Moves the larger items behind the smaller ones; those equal to the pivot stay where they are.
+    Cursors exchange(const Part& part, std::uint32_t pivot, bool lopsided) {
+        if (lopsided && lose_patience(part.size())) return exchange_by_leaps(part, pivot);
+        const Cursors met = exchange_by_steps(part, pivot);
+        if (extremes_.built()) extremes_.refresh(part.lo, part.hi);
+        return met;
+    }
+
+    /// Whether it is time for leaps, which they are once and for all when too many items were walked over for little.
+    bool lose_patience(std::size_t size) {
+        if (extremes_.built()) return true;
+        wasted_ += size;
+        return wasted_ / kPatience > count_ && extremes_.build(items_, count_);
+    }
+
+    Cursors exchange_by_steps(const Part& part, std::uint32_t pivot) {
         std::size_t left = part.lo;
         std::size_t right = part.hi;
         while (true) {
@@ -123,16 +147,39 @@ private:
             do --right;
             while (right > part.lo && rank_of(items_[right]) >= pivot);
             if (right < left) break;
-            std::swap(items_[left], items_[right]);
+            swap(left, right, false);
         }
-        std::swap(items_[part.lo], items_[right]);
+        swap(part.lo, right, false);
         return {left, right};
     }
 
+    Cursors exchange_by_leaps(const Part& part, std::uint32_t pivot) {
+        std::size_t left = part.lo;
+        std::size_t right = part.hi;
+        while (true) {
+            left = extremes_.next_above(left + 1, part.hi, pivot);
+            right = extremes_.last_below(part.lo, right, pivot);
+            if (right < left) break;
+            swap(left, right, true);
+        }
+        swap(part.lo, right, true);
+        return {left, right};
+    }
+
+    void swap(std::size_t a, std::size_t b, bool noted) {
+        std::swap(items_[a], items_[b]);
+        if (!noted) return;
+        extremes_.refresh(a, a + 1);
+        extremes_.refresh(b, b + 1);
+    }
+
     RankedItem* items_;
+    std::size_t count_;
     const std::uint32_t* before_;
     Part stack_[8 * sizeof(std::size_t)];
     int depth_ = 0;
+    std::size_t wasted_ = 0;
+    RankExtremes extremes_;
 };
 
 }  // namespace
@@ -140,5 +187,5 @@ private:
 void rank_sort(RankedItem* items, std::size_t count, const std::uint32_t* before, std::uint32_t ranks) {
     if (count < 2) return;
     const Part all{0, count, 0, ranks - 1, before[1], count - before[ranks - 1]};
-    RankSorter(items, before).sort(all);
+    RankSorter(items, count, before).sort(all);
 }

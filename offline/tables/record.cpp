@@ -182,16 +182,18 @@ KOfflineRecord* record_copy(const KOfflineRecord* record, std::int32_t field_cou
     return made;
 }
 
-KOfflineRecord* record_widen(const KOfflineRecord* record, std::int32_t field_count, RecordArena* arena) {
+KOfflineRecord* record_widen(const KOfflineRecord* record, std::int32_t field_count, std::int32_t added,
+                             RecordArena* arena) {
     const std::size_t old_offsets = offsets_size(field_count);
     const std::size_t text_size = used_size(record, field_count) - old_offsets;
-    const std::size_t size = old_offsets + sizeof(std::int16_t) + text_size;
+    const std::size_t new_offsets = offsets_size(field_count + added);
+    const std::size_t size = new_offsets + text_size;
     KOfflineRecord* made = arena->carve(size);
     if (!made) return nullptr;
     arena->keep(size);
     std::memcpy(record_offsets(made), record_offsets(record), old_offsets);
-    record_offsets(made)[field_count] = 0;
-    std::memcpy(record_offsets(made) + field_count + 1, record_offsets(record) + field_count, text_size);
+    std::memset(record_offsets(made) + field_count, 0, new_offsets - old_offsets);
+    std::memcpy(record_offsets(made) + field_count + added, record_offsets(record) + field_count, text_size);
     return made;
 }
 

@@ -68,8 +68,9 @@ std::int32_t record_set_value(KOfflineRecord** record, std::int32_t field_count,
 /// A copy in a block of its own, null when memory runs out.
 KOfflineRecord* record_copy(const KOfflineRecord* record, std::int32_t field_count);
 
-/// A copy in the arena with one more field, which has no value; null when memory runs out.
-KOfflineRecord* record_widen(const KOfflineRecord* record, std::int32_t field_count, RecordArena* arena);
+/// A copy in the arena with `added` more fields, which have no value; null when memory runs out.
+KOfflineRecord* record_widen(const KOfflineRecord* record, std::int32_t field_count, std::int32_t added,
+                             RecordArena* arena);
 
 /// Gives a block of its own back; what lies in an arena goes with the arena.
 void record_free(KOfflineRecord* record);

@@ -73,14 +73,14 @@ void store_adopt(KOfflineTable* table, RecordArena* arena) {
     if (table->records) arena->release_to(&Records::head(table->records)->chunks);
 }
 
-bool store_widen(KOfflineTable* table) {
-    if (table->record_count < 1) return true;
+bool store_widen(KOfflineTable* table, std::int32_t old_count, std::int32_t added) {
+    if (table->record_count < 1 || added < 1) return true;
     const std::size_t count = as_size(table->record_count);
     auto widened = HeapBlock<KOfflineRecord*>::of(count);
     if (!widened) return false;
     RecordArena arena;
     for (std::size_t i = 0; i < count; ++i) {
-        widened[i] = record_widen(table->records[i], table->field_count, &arena);
+        widened[i] = record_widen(table->records[i], old_count, added, &arena);
         if (!widened[i]) return false;
     }
     free_blocks(table);

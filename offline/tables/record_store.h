@@ -27,9 +27,9 @@ void store_remove(KOfflineTable* table, std::int32_t record);
 /// Makes the table own the chunks that records carved out of the arena lie in.
 void store_adopt(KOfflineTable* table, RecordArena* arena);
 
-/// Lays every record out anew with one more field, which has no value; `field_count` stays for the caller to raise.
-/// False when memory runs out, and nothing has changed.
-bool store_widen(KOfflineTable* table);
+/// Lays every record, which has `old_count` fields now, out anew with `added` more, which have no value. False when
+/// memory runs out, and nothing has changed.
+bool store_widen(KOfflineTable* table, std::int32_t old_count, std::int32_t added);
 
 /// Gives every record and the array back.
 void store_clear(KOfflineTable* table);

@@ -19,6 +19,14 @@ inline bool table_has_field(const KOfflineTable* table, std::int32_t field) {
 /// runs out, and nothing has changed.
 bool append_field(KOfflineTable* table, const char* name);
 
+/// Appends a field in the same way, but leaves the records as they are: `lay_out_records` follows before anything
+/// else uses the table.
+bool append_field_alone(KOfflineTable* table, const char* name);
+
+/// Lays records that have `old_count` fields out for all fields of the table. False with KOFFLINE_ERR_MEMORY when
+/// memory runs out, and the fields from `old_count` on are gone.
+bool lay_out_records(KOfflineTable* table, std::int32_t old_count);
+
 /// Gives the field array back; the indexes of the fields are gone before.
 void free_fields(KOfflineTable* table);
 

@@ -42,6 +42,7 @@ public:
 
     bool finish() {
         flush();
+        if (!failed_) failed_ = !KOfflineStream_Flush(stream_);
         return !failed_;
     }
 

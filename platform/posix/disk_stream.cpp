@@ -21,6 +21,10 @@ bool disk_write(std::FILE* stream, const void* data, std::size_t length) {
     return std::fwrite(data, 1, length, stream) == length;
 }
 
+bool disk_flush(std::FILE* stream) {
+    return std::fflush(stream) == 0;
+}
+
 bool disk_size(std::FILE* stream, std::int64_t* size) {
     *size = 0;
     if (::fseeko(stream, 0, SEEK_END) != 0) return false;

@@ -111,6 +111,7 @@ bool __real_host_extend(int, std::int64_t, std::int64_t);
 std::FILE* __real_disk_open(const char*, DiskMode);
 std::size_t __real_disk_read(std::FILE*, void*, std::size_t);
 bool __real_disk_write(std::FILE*, const void*, std::size_t);
+bool __real_disk_flush(std::FILE*);
 bool __real_disk_size(std::FILE*, std::int64_t*);
 bool __real_disk_close(std::FILE*);
 
@@ -199,6 +200,10 @@ std::size_t __wrap_disk_read(std::FILE* stream, void* buffer, std::size_t length
 
 bool __wrap_disk_write(std::FILE* stream, const void* data, std::size_t length) {
     return Transfer(kFaultDisk, length, [&](std::size_t n) { return __real_disk_write(stream, data, n); });
+}
+
+bool __wrap_disk_flush(std::FILE* stream) {
+    return !Fails(kFaultDisk) && __real_disk_flush(stream);
 }
 
 bool __wrap_disk_size(std::FILE* stream, std::int64_t* size) {
