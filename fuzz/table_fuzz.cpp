@@ -16,6 +16,8 @@ namespace {
 using Value = std::optional<std::string>;
 using Row = std::vector<Value>;
 
+constexpr std::size_t kLongestFile =
+    400;  // sorting equal values takes time that grows with the square of their number
 constexpr std::size_t kMostRecords = 40;  // of more only the end is compared
 const char* const kFields[] = {"NID", "CCODE", "T.CNAME", "NPID", "x"};
 const char* const kSeparators[] = {"\t", ",", ";;", "|", " ", "", "a\\"};
@@ -33,12 +35,12 @@ public:
     ~Tables() { KOfflineTable_Destructor(&table_); }
 
     void Run() {
-        const std::string calls = input_.Text('\x1e'), contents = input_.Rest();
+        const std::string calls = input_.Text('\x1e'), contents = input_.Rest().substr(0, kLongestFile);
         HostFile("data.txt").assign(contents.begin(), contents.end());
         KOfflineTable_ReadFile(&table_, "data.txt", separator_);
         rows_ = Rows();
         Input script(reinterpret_cast<const std::uint8_t*>(calls.data()), calls.size());
-        for (int i = 0; !script.empty() && i < 100; ++i) {
+        for (int i = 0; !script.empty() && i < 50; ++i) {
             Step(script);
             if (rows_.size() < kMostRecords || script.empty()) Require(rows_ == Rows());
         }

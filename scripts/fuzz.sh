@@ -30,7 +30,7 @@ for target in "${targets[@]}"; do
     corpus="build/fuzz/corpus/$target"
     log="build/fuzz/findings/$target.log"
     mkdir -p "$corpus"
-    build/fuzz/fuzz/fuzz_"$target" -seed=1 -max_total_time="$seconds" -timeout=10 -max_len="$(longest "$target")" \
+    build/fuzz/fuzz/fuzz_"$target" -seed=1 -max_total_time="$seconds" -timeout=30 -max_len="$(longest "$target")" \
         -dict=fuzz/fuzz.dict -artifact_prefix="build/fuzz/findings/$target-" -print_final_stats=1 \
         "$corpus" "build/fuzz/fuzz/seeds/$target" >"$log" 2>&1 || failed+=("$target")
     grep -E 'does not hold|ERROR|Test unit written|stat::number_of_executed_units' "$log" || true
