@@ -23,10 +23,10 @@ struct Part {
 
 // A partition is lopsided when one of its sides has fewer items than this part of it. Walking over all of it for so
 // little is what makes a quicksort quadratic.
-constexpr std::size_t kLopsided = 64;
+constexpr std::size_t kLopsided = 128;
 
 // Items walked over for little, as a multiple of all, before the sort takes care not to.
-constexpr std::size_t kPatience = 4;
+constexpr std::size_t kPatience = 12;
 
 class RankSorter {
 public:
