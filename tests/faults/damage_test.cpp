@@ -254,9 +254,9 @@ void Examine(const PackageState& state, const PackageImage& good, Bytes host) {
 }
 
 /// A package with a directory of two blocks, files in pieces, and free blocks.
-PackageState Whole(std::int32_t size_mb) {
+PackageState Whole(std::int32_t size_mb, bool wide = false) {
     PackageState state;
-    vlt_package_create("whole.pkg", 0, size_mb, nullptr, nullptr);
+    vlt_package_create("whole.pkg", wide, size_mb, nullptr, nullptr);
     const std::int32_t package = vlt_package_open("whole.pkg", 0, 0, nullptr, nullptr, nullptr, nullptr);
     for (const char* name : {"victim", "other", "tiny", "victim", "other", "d", "e", "f", "g", "h", "victim"}) {
         const std::uint32_t file = OpenFile(package, name, VLT_MODE_APPEND);
@@ -291,10 +291,12 @@ protected:
 };
 
 TEST_F(Damage, OfEveryKindIsSafe) {
-    PackageState state = Whole(0);
-    state.host.resize(state.host.size() + 3 * 4096);  // free blocks
-    TryPatches(state, kHeaderPatches);
-    TryPatches(state, kPatches);
+    for (const bool wide : {false, true}) {
+        PackageState state = Whole(0, wide);
+        state.host.resize(state.host.size() + 3 * 4096);  // free blocks
+        TryPatches(state, kHeaderPatches);
+        TryPatches(state, kPatches);
+    }
 }
 
 TEST_F(Damage, OfALongHeaderIsSafe) {

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The database under the same faults as the store: the n-th host call and the n-th allocation fail, a save is cut off
-// after n writes, the seven files are damaged. Loads and saves that fail have a file of their own.
+// The database under the same faults as the store: files in and out while the n-th host call or allocation fails,
+// lookups without memory, a save that is cut off after n writes, damage to the seven files. Loads, saves and tables
+// that fail have files of their own.
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -57,36 +58,22 @@ std::vector<std::int32_t> Lookups(KOfflineDb* db) {
     return results;
 }
 
+/// An operation on files of a database; it changes nothing that the database holds.
 struct DbOperation {
     const char* name;
     bool (*act)(KOfflineDb*);
-    bool changes = true;  // what the database holds
+    bool of_package = true;  // it fails for a database in a directory
 };
 
 std::string out_path;  // of files that operations write
 
 const DbOperation kOperations[] = {
-    {"add_field", [](KOfflineDb* db) { return KOfflineTable_AddFld(Items(db), "MORE") >= 0; }},
-    {"add_record", [](KOfflineDb* db) { return KOfflineTable_AddRec(Items(db), "\tX\tName\tmade", "\t") >= 0; }},
-    {"set_value",
-     [](KOfflineDb* db) { return KOfflineTable_SetFldValue(Items(db), 3, 2, std::string(300, 'v').c_str()) == 1; }},
-    {"copy_record", [](KOfflineDb* db) { return KOfflineTable_CopyRec(Items(db), 5) >= 0; }},
-    {"set_nid", [](KOfflineDb* db) { return KOfflineTable_SetRecNID(Items(db), 5, 1234567) == 1; }},
-    {"delete_record", [](KOfflineDb* db) { return KOfflineTable_DelRec(Items(db), 5) == 1; }},
-    {"load_index", [](KOfflineDb* db) { return KOfflineTable_LoadIdx(Items(db), "CNAME") == 1; }, false},
-    {"set_root", [](KOfflineDb* db) { return KOfflineDb_SetRootNode(db, 2) == 1; }},
     {"write_table", [](KOfflineDb* db) { return KOfflineTable_WriteFile(Items(db), out_path.c_str(), "\t") == 1; },
      false},
     {"take_file_out",
-     [](KOfflineDb* db) {
-         return !db->package || KOfflineDb_GetPackageFile(db, "document.txt", out_path.c_str()) == 1;
-     },
-     false},
-    {"put_file_in",
-     [](KOfflineDb* db) { return !db->package || KOfflineDb_SavePackageFile(db, out_path.c_str(), "in.txt") == 1; },
-     false},
-    {"find_file",
-     [](KOfflineDb* db) { return !db->package || KOfflineDb_CheckPackageFileExist(db, "document.txt") == 1; }, false},
+     [](KOfflineDb* db) { return KOfflineDb_GetPackageFile(db, "document.txt", out_path.c_str()) == 1; }},
+    {"put_file_in", [](KOfflineDb* db) { return KOfflineDb_SavePackageFile(db, out_path.c_str(), "in.txt") == 1; }},
+    {"find_file", [](KOfflineDb* db) { return KOfflineDb_CheckPackageFileExist(db, "document.txt") == 1; }},
 };
 
 struct DbFault {
@@ -155,18 +142,15 @@ protected:
             }
             if (!done) {
                 EXPECT_TRUE(hit) << "it fails without a fault";
-                EXPECT_TRUE(Snapshot(db) == before) << "a failure changes the database";
                 EXPECT_TRUE(operation.act(db)) << "it fails again";
             }
-            EXPECT_TRUE(operation.changes || Snapshot(db) == before);
-            Lookups(db);
-            const std::string after = Snapshot(db);
+            EXPECT_TRUE(Snapshot(db) == before) << "the database has changed";
             EXPECT_EQ(KOfflineDb_Save(db), 1);
             Database again;
             KOfflineDb_Destructor(db);
             KOfflineDb_Constructor(db);
             EXPECT_EQ(KOfflineDb_Load(again, path_.c_str()), 1);
-            EXPECT_EQ(Snapshot(again), after);
+            EXPECT_TRUE(Snapshot(again) == before);
         }
         ExpectSoundPackage();
         faults_injected += hit;
@@ -178,10 +162,12 @@ protected:
 };
 
 TEST_P(DatabaseMeetsFaults, AndFailsAsDocumentedAndSucceedsAgain) {
-    for (const DbOperation& operation : kOperations)
+    for (const DbOperation& operation : kOperations) {
+        if (operation.of_package && GetParam() == Place::directory) continue;
         for (const DbFault& fault : kFaults)
             for (int nth = 1; !HasFailure() && Try(operation, fault, nth); ++nth) {
             }
+    }
 }
 
 /// Lookups have no failure of their own: without memory they are slower and find the same.
