@@ -27,17 +27,6 @@ TEST_F(BlockStore, AFileTakesTheLowestFreeBlocks) {
     EXPECT_EQ((Blocks{6}), ChainOf("c"));
 }
 
-TEST_F(BlockStore, AWriteTakesABlockOnlyForBytesBeyondTheLast) {
-    Create();
-    Write("a", 8192);
-    const std::uint32_t file = OpenFor("a", VLT_MODE_WRITE);
-    vlt_file_set_pos(file, 8191);
-    EXPECT_TRUE(WriteTo(file, {'x'}));
-    EXPECT_EQ(2u, ChainOf("a").size());
-    EXPECT_TRUE(WriteTo(file, {'y'}));
-    EXPECT_EQ(3u, ChainOf("a").size());
-}
-
 TEST_F(BlockStore, AFullMapTakesABlockOfItsOwnAndItsWordStraddlesTwo) {
     Create(3);  // 768 blocks, of which two are used
     Write("a", 996 * 4096);
@@ -57,18 +46,6 @@ TEST_F(BlockStore, AFullMapTakesABlockOfItsOwnAndItsWordStraddlesTwo) {
     EXPECT_TRUE(Intact("a", 996 * 4096));
     Write("b", 5 * 4096);
     EXPECT_EQ((Blocks{999, 1000, 1001, 1002, 1003}), ChainOf("b"));
-}
-
-TEST_F(BlockStore, AMapOfTwoBlocksIsFullAt2022) {
-    Create(4);
-    EXPECT_EQ((Blocks{0, 2}), Image().header_chain);
-    Write("a", (2022 - 3) * 4096);
-    EXPECT_EQ(2022, Image().block_count);
-    Write("b", 2 * 4096);
-    const PackageImage image = Image();
-    EXPECT_EQ(2025, image.block_count);
-    EXPECT_EQ((Blocks{0, 2, 2022}), image.header_chain);
-    EXPECT_EQ((Blocks{2023, 2024}), image.ChainOf("b"));
 }
 
 TEST_F(BlockStore, GrowthOverSeveralHeaderBlocksIsOneWrite) {

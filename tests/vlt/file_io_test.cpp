@@ -9,22 +9,6 @@ protected:
     void SetUp() override { Create(); }
 };
 
-TEST_F(FileIo, ReadsAcrossBlocksAndUpToTheEnd) {
-    Write("a", 5000);
-    const Bytes all = Pattern("a", 5000);
-    const std::uint32_t file = OpenFor("a", VLT_MODE_READ);
-    EXPECT_EQ(1, vlt_file_is_bof(file));
-    EXPECT_EQ(1, vlt_file_set_pos(file, 4090));
-    EXPECT_EQ(Bytes(all.begin() + 4090, all.begin() + 4190), ReadFrom(file, 100));
-    EXPECT_EQ(4190, PositionOf(file));
-    EXPECT_EQ(0, vlt_file_is_bof(file));
-    vlt_file_set_pos(file, 4950);
-    EXPECT_EQ(Bytes(all.begin() + 4950, all.end()), ReadFrom(file, 100));
-    EXPECT_EQ(Bytes{}, ReadFrom(file, 100));
-    EXPECT_EQ(5000, PositionOf(file));
-    EXPECT_EQ(1, vlt_file_is_eof(file));
-}
-
 TEST_F(FileIo, PositionsBeyondTheFileMeanItsEnd) {
     Write("a", 5000);
     const std::uint32_t file = OpenFor("a", VLT_MODE_READ);
