@@ -24,7 +24,7 @@ TEST_F(DamagedPackage, AFileThatLostItsEndKeepsItsBlocksWhenThePackageGrows) {
     Bytes host = ReadHostFile(path);
     host.resize(3 * VLT_BLOCK_SIZE);
     WriteHostFile(path, host);
-    for (const std::size_t length : {2 * VLT_BLOCK_SIZE, VLT_BLOCK_SIZE + 1}) {
+    for (const std::size_t length : {8192u, 4097u}) {
         Reopen();
         Write("new", length);
         EXPECT_TRUE(Apart("new", "lost"));
