@@ -4,7 +4,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <algorithm>
 #include <cerrno>
 
 #include "platform/posix/posix_path.h"
@@ -56,18 +55,6 @@ bool host_write(int fd, std::int64_t offset, const void* data, std::size_t lengt
         from += n;
         offset += n;
         length -= static_cast<std::size_t>(n);
-    }
-    return true;
-}
-
-bool host_extend(int fd, std::int64_t offset, std::int64_t length) {
-    // Written, not left as a hole: a full disk is met here, where nothing depends on the new bytes yet.
-    static const char zeros[64 * 1024] = {};
-    while (length > 0) {
-        const auto piece = static_cast<std::size_t>(std::min<std::int64_t>(length, sizeof zeros));
-        if (!host_write(fd, offset, zeros, piece)) return false;
-        offset += static_cast<std::int64_t>(piece);
-        length -= static_cast<std::int64_t>(piece);
     }
     return true;
 }

@@ -44,14 +44,3 @@ bool host_write(int fd, std::int64_t offset, const void* data, std::size_t lengt
     }
     return true;
 }
-
-bool host_extend(int fd, std::int64_t offset, std::int64_t length) {
-    static const char zeros[64 * 1024] = {};
-    while (length > 0) {
-        const auto piece = static_cast<std::size_t>(std::min<std::int64_t>(length, sizeof zeros));
-        if (!host_write(fd, offset, zeros, piece)) return false;
-        offset += static_cast<std::int64_t>(piece);
-        length -= static_cast<std::int64_t>(piece);
-    }
-    return true;
-}
