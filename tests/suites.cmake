@@ -12,6 +12,17 @@ else()
     find_package(GTest REQUIRED)
 endif()
 
+# The undefined-behaviour sanitizer looks at the library; in the tests it would more than double the time to compile.
+function(vlt_test_code target)
+    target_compile_options(${target} PRIVATE -fno-sanitize=undefined)
+endfunction()
+
+foreach(target gtest gtest_main)
+    if(TARGET ${target})
+        vlt_test_code(${target})
+    endif()
+endforeach()
+
 # What several suites share; a suite links those parts of it that it uses.
 file(GLOB support_sources CONFIGURE_DEPENDS support/*.cpp)
 if(support_sources)
@@ -19,6 +30,7 @@ if(support_sources)
     target_include_directories(test_support PUBLIC ${PROJECT_SOURCE_DIR} ${PROJECT_SOURCE_DIR}/include)
     target_link_libraries(test_support PUBLIC GTest::gtest)
     vlt_warnings(test_support)
+    vlt_test_code(test_support)
 endif()
 
 # A suite named `name` from the files of `folder`, linked with `library`: `vlt` for tests of the interface,
@@ -33,6 +45,7 @@ function(vlt_suite name folder library)
     target_compile_definitions(${name} PRIVATE TEST_SOURCE_DIR="${PROJECT_SOURCE_DIR}/tests")
     target_link_libraries(${name} PRIVATE $<TARGET_NAME_IF_EXISTS:test_support> ${library} GTest::gtest_main)
     vlt_warnings(${name})
+    vlt_test_code(${name})
     vlt_beside_library(${name})
     set(scratch ${PROJECT_BINARY_DIR}/scratch/${name})
     file(MAKE_DIRECTORY ${scratch})
