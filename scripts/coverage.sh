@@ -6,7 +6,7 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 cd "$root"
 
-need_test_tools && need clang++-14=clang-14 llvm-cov-14=llvm-14
+need_test_tools && need_clang
 cmake --preset coverage >/dev/null
 cmake --build --preset coverage
 

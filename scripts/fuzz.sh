@@ -11,7 +11,7 @@ seconds="${1:-20}"
 targets=("${@:2}")
 [ ${#targets[@]} -gt 0 ] || targets=(package schema table escape database)
 
-need_build_tools && need clang++-14=clang-14
+need_build_tools && need_clang
 cmake --preset fuzz >/dev/null
 cmake --build --preset fuzz
 

@@ -48,3 +48,9 @@ need() {
 need_build_tools() { need cmake=cmake ninja=ninja-build g++=g++ pkg-config=pkg-config; }
 
 need_test_tools() { need_build_tools && need /usr/src/googletest/CMakeLists.txt=googletest; }
+
+# Clang with the libraries that its sanitizers, its fuzzer and its profiles are linked with.
+need_clang() {
+    need clang++-14=clang-14 llvm-profdata-14=llvm-14 \
+        "/usr/lib/llvm-14/lib/clang/14.0.6/lib/linux/libclang_rt.fuzzer-$(uname -m).a=libclang-rt-14-dev"
+}
