@@ -94,6 +94,21 @@ TEST_F(DataFiles, HoldValuesAndRecordsOfAnySize) {
     EXPECT_EQ(Parsed(many).back(), "49999|value of the record|-49999");
 }
 
+TEST_F(DataFiles, SeparatorsOfAnyLengthAreWrittenWhole) {
+    const std::string separator = "<fifteen bytes>", longest(40000, '|');
+    Table one({"NID", "A", "B"}, {"1"});
+    ASSERT_EQ(KOfflineTable_WriteFile(one, At("f").c_str(), longest.c_str()), 1);
+    EXPECT_EQ(Read("f"), "1" + longest + longest + "\r\n");
+    std::string expected;
+    for (int i = 0; i < 5000; ++i) {
+        const std::string nid = std::to_string(i), value(std::size_t(i) % 37, 'v');
+        table_.Add(nid + "\t" + value);
+        expected += nid + separator + value + separator + "\r\n";
+    }
+    ASSERT_EQ(KOfflineTable_WriteFile(table_, At("f").c_str(), separator.c_str()), 1);
+    EXPECT_TRUE(Read("f") == expected);
+}
+
 TEST_F(DataFiles, RecordsOfAFileChangeAsOthersDo) {
     ASSERT_EQ(KOfflineTable_ParseLines(table_, "1\ta\n2\tb\n\tc\n4\td", "\t"), 1);
     EXPECT_EQ(table_.Row(2), "3|c|-") << "the first automatic NID follows those read before it";
