@@ -115,9 +115,26 @@ bool count_free_blocks(vlt_store& store) {
 
 namespace {
 
+/// How many used map words and directory entries name a block. That takes a while: it is asked only of blocks that a
+/// file holds beyond its bytes, which a failure must have left.
+std::int32_t times_named(vlt_store& store, std::int32_t block) {
+    const std::uint32_t number = static_cast<std::uint32_t>(block) + 1;
+    std::int32_t times = 0;
+    for (std::int32_t b = 0; b < store.mapped_blocks(); ++b)
+        times += (store.map_word(b) & (VLT_BLOCK_USED | VLT_NEXT_MASK)) == (VLT_BLOCK_USED | number);
+    for (std::int32_t i = 0; i < vlt_dir_count(store); ++i)
+        times += store.entry(i).in_use() && store.entry(i).first_block() == number;
+    return times;
+}
+
 /// Forgets what follows the stored bytes in the chain, from the first block on that is not in use: the leftover of
-/// a growth that was cut off. What the chain takes next is linked over it.
+/// a growth that was cut off. What the chain takes next is linked over it. So it is with blocks of another file,
+/// where the link to them or the entry was written in part.
 void drop_unfinished_end(vlt_store& store, vlt_chain& chain, std::int32_t kept) {
+    if (chain.length() > kept && !chain.end_is_own) {
+        if (times_named(store, chain.run_at(kept).block) > 1) return chain.shorten(kept);
+        chain.end_is_own = true;
+    }
     for (std::int32_t position = kept; position < chain.length(); ++position)
         if (!(store.map_word(chain.run_at(position).block) & VLT_BLOCK_USED)) return chain.shorten(position);
 }
@@ -210,20 +227,24 @@ bool vlt_chain_extension::finish(std::int64_t end) {
     return false;
 }
 
-bool vlt_chain_release(vlt_store& store, std::uint32_t first_block) {
+bool vlt_chain_release(vlt_store& store, std::uint32_t first_block, std::int64_t kept) {
     std::int64_t block = std::int64_t{first_block} - 1;
+    std::int64_t position = 0;
     const auto releasable = [&](std::int64_t b) {
         return may_hold_data(store, b) && (store.map_word(static_cast<std::int32_t>(b)) & VLT_BLOCK_USED);
     };
     std::uint32_t words[VLT_BLOCK_SIZE / 4];  // kept, for a host file that fails
     while (releasable(block)) {
         const auto first = static_cast<std::int32_t>(block);
+        if (position == kept && times_named(store, first) > 0) break;  // another file's, by a link written in part
         std::int32_t count = 0;
         do {  // a row of blocks that follow each other in the chain and in the package
             words[count] = store.map_word(first + count);
             block = std::int64_t{words[count] & VLT_NEXT_MASK} - 1;
             ++count;
-        } while (count < VLT_BLOCK_SIZE / 4 && block == first + count && releasable(block));
+        } while (count < VLT_BLOCK_SIZE / 4 && position + count != kept && block == first + count &&
+                 releasable(block));
+        position += count;
 
         const std::size_t bytes = static_cast<std::size_t>(count) * 4;
         std::memset(store.map_word_at(first), 0, bytes);

@@ -117,8 +117,9 @@ private:
 };
 
 /// Frees the data chain that starts at a block number; 0 frees nothing. The walk ends at the first block that no
-/// stored file can own. False when the host file fails; the blocks not yet reached stay in use.
-bool vlt_chain_release(vlt_store& store, std::uint32_t first_block);
+/// stored file can own, and after the `kept` blocks of stored bytes where what follows is another file's. False when
+/// the host file fails; the blocks not yet reached stay in use.
+bool vlt_chain_release(vlt_store& store, std::uint32_t first_block, std::int64_t kept);
 
 /// Makes the package larger until `wanted` blocks are free. False when the host file fails or the block numbers are
 /// used up; blocks added until then stay.

@@ -58,7 +58,11 @@ public:
     void clear() {
         breaks_.clear();
         length_ = 0;
+        end_is_own = false;
     }
+
+    /// What the chain holds beyond the stored bytes has been found to be no other file's.
+    bool end_is_own = false;
 
 private:
     /// A block that does not lie right after the one before it.

@@ -139,6 +139,7 @@ void forget_released_chains(vlt_store& store) {
 bool vlt_file_empty(vlt_store& store, std::int32_t index) {
     vlt_dir_entry entry = store.entry(index);
     const std::uint32_t first_block = entry.first_block();
+    const std::int64_t kept = vlt_blocks_for(entry.size());
     const double now = store.clock.vlt_stamp_now();
     entry.set_size(0);
     entry.set_first_block(0);
@@ -146,7 +147,7 @@ bool vlt_file_empty(vlt_store& store, std::int32_t index) {
     entry.set_written(now);
     if (vlt_open_entry* open = store.open_files.find(index)) open->chain.clear();
     if (!vlt_dir_put(store, index)) return false;
-    const bool released = vlt_chain_release(store, first_block);
+    const bool released = vlt_chain_release(store, first_block, kept);
     if (first_block != 0) forget_released_chains(store);
     return released;
 }

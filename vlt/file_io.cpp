@@ -39,18 +39,14 @@ std::int32_t read(vlt_store& store, vlt_file& file, void* buffer, std::int32_t l
     return count;
 }
 
-std::int64_t blocks_for(std::int64_t bytes) {
-    return bytes / VLT_BLOCK_SIZE + (bytes % VLT_BLOCK_SIZE > 0 ? 1 : 0);
-}
-
 /// Takes the blocks that the file needs more, for bytes from `position` to `end` to be written.
 bool vlt_file_reserve(vlt_store& store, std::int32_t index, std::int64_t position, std::int64_t end,
                       vlt_chain_extension& extension) {
     const vlt_dir_entry entry = store.entry(index);
-    const std::int64_t kept = entry.size() > 0 ? blocks_for(entry.size()) : 0;
-    const std::int64_t wanted = blocks_for(end) - kept;
+    const std::int64_t kept = vlt_blocks_for(entry.size());
+    const std::int64_t wanted = vlt_blocks_for(end) - kept;
     if (wanted <= 0) return true;
-    if (blocks_for(end) > VLT_BLOCKS_MAX) return false;
+    if (vlt_blocks_for(end) > VLT_BLOCKS_MAX) return false;
     vlt_chain& chain = store.open_files.find(index)->chain;
     if (entry.first_block() != 0 && !vlt_chain_begin(store, chain, entry.first_block())) return false;
     return extension.take(static_cast<std::int32_t>(kept), static_cast<std::int32_t>(wanted),

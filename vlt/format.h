@@ -63,6 +63,11 @@ void vlt_store_at(std::uint8_t* at, T value) {
     std::memcpy(at, &value, sizeof value);
 }
 
+/// Number of blocks that so many bytes of a file take; a damaged length below 0 takes none.
+constexpr std::int64_t vlt_blocks_for(std::int64_t bytes) {
+    return bytes > 0 ? bytes / VLT_BLOCK_SIZE + (bytes % VLT_BLOCK_SIZE > 0 ? 1 : 0) : 0;
+}
+
 /// Number of header blocks that a package of `blocks` blocks has.
 constexpr std::int32_t vlt_header_blocks_for(std::int64_t blocks) {
     return static_cast<std::int32_t>((VLT_MAP_OFFSET + 4 * blocks + VLT_BLOCK_SIZE - 1) / VLT_BLOCK_SIZE);

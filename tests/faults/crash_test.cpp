@@ -121,4 +121,31 @@ TEST_P(CutOff, LeavesAPackageThatCanBeUsedOn) {
 INSTANTIATE_TEST_SUITE_P(, CutOff, testing::ValuesIn(kScenarios),
                          [](const auto& made) { return std::string(made.param.state); });
 
+/// A number of which only some bytes were written can name a block of another file: beyond the stored bytes of a
+/// file, or as the first block of an empty one.
+TEST(NumberWrittenInPart, TiesNoTwoFilesTogether) {
+    const PackageState& whole = StateNamed("fragmented");
+    const PackageImage image(whole.host);
+    const std::vector<int> victim = image.ChainOf("victim"), other = image.ChainOf("other");
+    PackageState by_link = whole, by_entry = whole;
+    StoreAt(by_link.host, 101 + 4 * static_cast<std::size_t>(victim.back()),
+            0x80000000u | static_cast<std::uint32_t>(other[2] + 1));
+    StoreAt(by_entry.host, 4096 + 1, static_cast<std::uint32_t>(other[0] + 1));
+    StoreAt(by_entry.host, 4096 + 5, std::uint64_t{0});
+    by_entry.files["victim"].clear();
+    ASSERT_EQ(image.Find("victim")->index, 0);
+    for (const PackageState& state : {by_link, by_entry}) {
+        for (const char* name : {"append_little", "truncate", "delete"}) {
+            SCOPED_TRACE(name);
+            World world(state);
+            const Operation& operation = OperationNamed(name);
+            EXPECT_TRUE(operation.act(world, *name == 'a' ? operation.prepare(world) : 0));
+            EXPECT_EQ(Faults(world.Image(), kCutOff), "");
+            Model files = After(operation, state.files);
+            WriteNew(world, files, "new", 40 * 4096);
+            world.ExpectFiles(files);
+        }
+    }
+}
+
 }  // namespace
