@@ -45,6 +45,18 @@ TEST_P(Save, WritesChangesAndAddedFieldsThatALoadReadsBack) {
     EXPECT_EQ(KOfflineDb_GetNIDByCCODE(db, "lamp"), 5);
 }
 
+TEST_P(Save, WritesHundredsOfFields) {
+    Database db;
+    ASSERT_EQ(KOfflineDb_Load(db, path_.c_str()), 1);
+    KOfflineTable* items = KOfflineDb_GetTable_BITM(db);
+    for (int i = 0; i < 700; ++i) ASSERT_GE(KOfflineTable_AddFld(items, ("FIELD" + std::to_string(i)).c_str()), 4);
+    const std::string names = FieldNames(items);
+    ASSERT_EQ(KOfflineDb_Save(db), 1);
+    KOfflineDb_Reset(db);
+    ASSERT_EQ(KOfflineDb_Load(db, path_.c_str()), 1);
+    EXPECT_EQ(FieldNames(items), names);
+}
+
 TEST_P(Save, WritesSixFilesOfDataEvenForEmptyTables) {
     const std::string path = Put(MinimalDatabase());
     Database db;

@@ -115,6 +115,17 @@ TEST_F(PackageOpening, OnlyAFirstOpeningCanBeExclusive) {
     EXPECT_GT(Open(), 0);
 }
 
+TEST_F(PackageOpening, AnExclusivePackageLeavesOthersOpenToAll) {
+    Create();
+    const std::string other = path + ".other";
+    ASSERT_EQ(1, vlt_package_create(other.c_str(), 0, 0, nullptr, nullptr));
+    EXPECT_GT(vlt_package_open(other.c_str(), 0, 1, nullptr, nullptr, nullptr, nullptr), 0);
+    EXPECT_GT(Open(), 0);
+    EXPECT_EQ(0, vlt_package_open(other.c_str(), 0, 0, nullptr, nullptr, nullptr, nullptr));
+    vlt_package_close_all();
+    std::remove(other.c_str());
+}
+
 TEST_F(PackageOpening, ThePathInAnotherLetterCaseShares) {
     CreateClosed();
     package = Open();
