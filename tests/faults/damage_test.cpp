@@ -303,7 +303,7 @@ TEST_F(Damage, OfALongHeaderIsSafe) {
     TryPatches(Whole(4), kHeaderPatches);
 }
 
-/// Every byte that means something, wrong in three ways.
+/// Every byte that means something, wrong in two ways.
 TEST_F(Damage, OfEveryByteIsSafe) {
     PackageState state = Whole(0);
     state.host.resize(state.host.size() + 3 * 4096);
@@ -315,7 +315,7 @@ TEST_F(Damage, OfEveryByteIsSafe) {
             offsets.push_back(
                 good.HostOffset(good.directory_chain, static_cast<std::size_t>(entry.index * good.entry_size) + i));
     for (const std::size_t offset : offsets) {
-        for (const int flip : {0x01, 0x80, 0xFF}) {
+        for (const int flip : {0x01, 0x80}) {
             SCOPED_TRACE(testing::Message() << "byte " << offset << " with bits " << flip);
             Bytes host = state.host;
             host[offset] = static_cast<std::uint8_t>(host[offset] ^ flip);
