@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The database under the same faults as the store: files in and out while the n-th host call or allocation fails,
-// lookups without memory, a save that is cut off after n writes, damage to the seven files. Loads, saves and tables
-// that fail have files of their own.
+// Databases under faults: files in and out of a package while the n-th host call or allocation fails, a save that is
+// cut off after n writes, damage to the seven files. Loads, saves and tables that fail have files of their own.
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -13,91 +12,17 @@ namespace {
 
 int faults_injected = 0, prefixes_opened = 0, patches_tried = 0;
 
-/// A database with enough records for every way of sorting and searching, and a document beside it.
-Files LargeDatabase() {
-    Files files = SmallDatabase();
-    for (int i = 5; i < 150; ++i)
-        files["bitm.txt"] += Lines({std::to_string(i) + "\tC" + std::to_string(i / 2) + "\tPart\tmade"});
-    files["document.txt"] = std::string(10000, 'd');
-    return files;
-}
+constexpr Leniency kCutOff = {
+    .longer_chains = true, .leaked_blocks = true, .short_header = true, .unfinished_ends = true};
 
-/// Everything that a database holds, as text.
-std::string Snapshot(KOfflineDb* db) {
-    std::string all = std::string(db->path) + ";" + std::to_string(db->root_nid) + ";" + db->separator;
-    for (KOfflineTable& table : db->tables) {
-        all += "\n" + FieldNames(&table);
-        for (std::int32_t rec = 0; rec < KOfflineTable_GetRecsCount(&table); ++rec)
-            for (std::int32_t field = 0; field < KOfflineTable_GetFldsCount(&table); ++field)
-                if (const char* value = KOfflineTable_GetFldValue(&table, rec, field))
-                    all += std::string("|") + value;
-    }
-    return all;
-}
-
-KOfflineTable* Items(KOfflineDb* db) {
-    return KOfflineDb_GetTable_BITM(db);
-}
-
-/// What lookups and searches give; it does not depend on the memory there is.
-std::vector<std::int32_t> Lookups(KOfflineDb* db) {
-    std::vector<std::int32_t> results;
-    std::int32_t recs[200];
-    for (const char* code : {"C20", "bike", "none"}) {
-        const std::int32_t count = KOfflineTable_Search(Items(db), KOfflineDb_GetFld_BITM_CCODE(db), code, recs, 200);
-        std::sort(recs, recs + std::max(count, 0));
-        results.push_back(std::max(count, 0));
-        results.insert(results.end(), recs, recs + std::max(count, 0));
-        results.push_back(KOfflineDb_GetNIDByCCODE(db, code));
-    }
-    for (std::int32_t nid = 0; nid < 150; nid += 3) results.push_back(KOfflineDb_GetRecByNID_BITM(db, nid));
-    char code[64];
-    results.push_back(KOfflineDb_GetCCODEByNID(db, 70, code));
-    results.push_back(KOfflineDb_GetRootNodes(db, recs, 200));
-    results.push_back(KOfflineDb_GetNoParentNodes(db, recs, 200));
-    return results;
-}
-
-/// An operation on files of a database; it changes nothing that the database holds.
-struct DbOperation {
-    const char* name;
-    bool (*act)(KOfflineDb*);
-    bool of_package = true;  // it fails for a database in a directory
-};
-
-std::string out_path;  // of files that operations write
-
-const DbOperation kOperations[] = {
-    {"write_table", [](KOfflineDb* db) { return KOfflineTable_WriteFile(Items(db), out_path.c_str(), "\t") == 1; },
-     false},
-    {"take_file_out",
-     [](KOfflineDb* db) { return KOfflineDb_GetPackageFile(db, "document.txt", out_path.c_str()) == 1; }},
-    {"put_file_in", [](KOfflineDb* db) { return KOfflineDb_SavePackageFile(db, out_path.c_str(), "in.txt") == 1; }},
-    {"find_file", [](KOfflineDb* db) { return KOfflineDb_CheckPackageFileExist(db, "document.txt") == 1; }},
-};
-
-struct DbFault {
-    const char* name;
-    unsigned calls;
-    FaultManner manner;
-    bool from_then_on;
-};
-
-constexpr DbFault kFaults[] = {
-    {"memory runs out once", kFaultSystem, FaultManner::cleanly, false},
-    {"memory runs out", kFaultSystem, FaultManner::cleanly, true},
-    {"a host call fails", kFaultHost, FaultManner::cleanly, false},
-    {"host calls fail", kFaultHost, FaultManner::cleanly, true},
-    {"host calls are cut short", kFaultHost, FaultManner::cut_short, true},
-};
-
-class DatabaseMeetsFaults : public DatabaseTest, public testing::WithParamInterface<Place> {
+/// A database in a package, beside a document.
+class DatabaseMeetsFaults : public DatabaseTest {
 protected:
-    void SetUp() override {
-        path_ = Put(LargeDatabase(), GetParam());
-        out_path = At("out.txt");
-        Write("out.txt", "disk file");
-        if (GetParam() == Place::package) package_ = ReadHostFile(path_);
+    DatabaseMeetsFaults() {
+        Files files = SmallDatabase();
+        files["document.txt"] = std::string(10000, 'd');
+        path_ = Put(files, Place::package);
+        package_ = ReadHostFile(path_);
     }
     ~DatabaseMeetsFaults() override {
         vlt_package_close_all();
@@ -108,92 +33,53 @@ protected:
                     patches_tried);
     }
 
-    /// The database as it was at first, where an operation may have changed it.
-    void PutBack() {
-        if (GetParam() == Place::package) WriteHostFile(path_, package_);
-        if (GetParam() == Place::directory) Put(LargeDatabase());
-    }
-
-    void ExpectSoundPackage() {
-        vlt_package_close_all();
-        if (GetParam() == Place::package) {
-            const Leniency lenient = {
-                .longer_chains = true, .leaked_blocks = true, .short_header = true, .unfinished_ends = true};
-            const PackageImage image(ReadHostFile(path_));
-            EXPECT_EQ(Faults(image, lenient), "");
-            EXPECT_EQ(image.FileBytes("document.txt"), Bytes(10000, 'd'));
-        }
-    }
-
-    /// An operation with one fault. False when it ended before the fault came.
-    bool Try(const DbOperation& operation, const DbFault& fault, int nth) {
-        SCOPED_TRACE(testing::Message() << operation.name << ", " << fault.name << ", call " << nth);
-        PutBack();
-        bool hit;
-        {
-            Database db;
-            EXPECT_EQ(KOfflineDb_Load(db, path_.c_str()), 1);
-            const std::string before = Snapshot(db);
-            bool done;
-            {
-                Fault armed(fault.calls, nth, fault.manner, fault.from_then_on);
-                done = operation.act(db);
-                hit = armed.hit();
-            }
-            if (!done) {
-                EXPECT_TRUE(hit) << "it fails without a fault";
-                EXPECT_TRUE(operation.act(db)) << "it fails again";
-            }
-            EXPECT_TRUE(Snapshot(db) == before) << "the database has changed";
-            EXPECT_EQ(KOfflineDb_Save(db), 1);
-            Database again;
-            KOfflineDb_Destructor(db);
-            KOfflineDb_Constructor(db);
-            EXPECT_EQ(KOfflineDb_Load(again, path_.c_str()), 1);
-            EXPECT_TRUE(Snapshot(again) == before);
-        }
-        ExpectSoundPackage();
-        faults_injected += hit;
-        return hit;
+    void ExpectSoundPackage() const {
+        const PackageImage image(ReadHostFile(path_));
+        EXPECT_EQ(Faults(image, kCutOff), "");
+        EXPECT_EQ(image.FileBytes("document.txt"), Bytes(10000, 'd'));
     }
 
     std::string path_;
     Bytes package_;
 };
 
-TEST_P(DatabaseMeetsFaults, AndFailsAsDocumentedAndSucceedsAgain) {
-    for (const DbOperation& operation : kOperations) {
-        if (operation.of_package && GetParam() == Place::directory) continue;
-        for (const DbFault& fault : kFaults)
-            for (int nth = 1; !HasFailure() && Try(operation, fault, nth); ++nth) {
-            }
-    }
-}
+std::string disk_file;
 
-/// Lookups have no failure of their own: without memory they are slower and find the same.
-TEST_P(DatabaseMeetsFaults, AndFindsTheSameWithoutMemory) {
-    const auto prepare = [&](KOfflineDb* db) {
-        EXPECT_EQ(KOfflineDb_Load(db, path_.c_str()), 1);
-        for (int i = 0; i < 20; ++i) KOfflineTable_AddRec(Items(db), "\tNEW\tName\tmade", "\t");
-    };
-    Database plain;
-    prepare(plain);
-    const std::vector<std::int32_t> expected = Lookups(plain);
-    for (const bool from_then_on : {false, true}) {
-        for (int nth = 1, hit = 1; hit; ++nth) {
-            Database db;
-            prepare(db);
-            Fault armed(kFaultMemory, nth, FaultManner::cleanly, from_then_on);
-            EXPECT_EQ(Lookups(db), expected) << "allocation " << nth;
-            hit = armed.hit();
-            faults_injected += hit;
-        }
-    }
+/// Operations on files of a database that was loaded; false for failure.
+bool (*const kTransfers[])(KOfflineDb*) = {
+    [](KOfflineDb* db) {
+        return KOfflineTable_WriteFile(KOfflineDb_GetTable_BITM(db), disk_file.c_str(), "\t") == 1;
+    },
+    [](KOfflineDb* db) { return KOfflineDb_GetPackageFile(db, "document.txt", disk_file.c_str()) == 1; },
+    [](KOfflineDb* db) { return KOfflineDb_SavePackageFile(db, disk_file.c_str(), "in.txt") == 1; },
+    [](KOfflineDb* db) { return KOfflineDb_CheckPackageFileExist(db, "document.txt") == 1; },
+};
+
+TEST_F(DatabaseMeetsFaults, WhileFilesGoInAndOut) {
+    disk_file = At("disk file");
+    for (const unsigned calls : {kFaultSystem, kFaultHost})
+        for (const bool from_then_on : {false, true})
+            for (std::size_t transfer = 0; transfer < std::size(kTransfers); ++transfer)
+                for (int nth = 1, hit = 1; hit && !HasFailure(); ++nth) {
+                    SCOPED_TRACE(testing::Message() << "transfer " << transfer << ", call " << nth);
+                    WriteHostFile(path_, package_);
+                    Write("disk file", "contents");
+                    Database db;
+                    EXPECT_EQ(KOfflineDb_Load(db, path_.c_str()), 1);
+                    bool done;
+                    {
+                        Fault fault(calls, nth, FaultManner::cut_short, from_then_on);
+                        done = kTransfers[transfer](db);
+                        hit = fault.hit();
+                    }
+                    EXPECT_TRUE(done || (hit && kTransfers[transfer](db))) << "it fails again";
+                    ExpectSoundPackage();
+                    faults_injected += hit;
+                }
 }
 
 /// A save that is cut off leaves each file as it was, as it was to become, or as a beginning of that; one at most.
-TEST_P(DatabaseMeetsFaults, AndASaveCutOffSparesTheOtherFiles) {
-    if (GetParam() == Place::directory) return;
+TEST_F(DatabaseMeetsFaults, InASaveThatIsCutOff) {
     Files old_files, new_files;
     std::vector<HostChange> changes;
     {
@@ -201,7 +87,8 @@ TEST_P(DatabaseMeetsFaults, AndASaveCutOffSparesTheOtherFiles) {
         ASSERT_EQ(KOfflineDb_Load(db, path_.c_str()), 1);
         old_files = Stored(db, path_);
         package_ = ReadHostFile(path_);
-        for (KOfflineTable& table : db->tables) KOfflineTable_AddRec(&table, "\tmore", "\t");
+        for (KOfflineTable& table : db->tables)
+            for (int i = 0; i < 200; ++i) KOfflineTable_AddRec(&table, "\tmore", "\t");
         HostRecording recording;
         ASSERT_EQ(KOfflineDb_Save(db), 1);
         changes = recording.changes();
@@ -223,8 +110,6 @@ TEST_P(DatabaseMeetsFaults, AndASaveCutOffSparesTheOtherFiles) {
                 ++between;
             }
             EXPECT_LE(between, 1);
-            KOfflineDb_Destructor(db);
-            KOfflineDb_Constructor(db);
             ExpectSoundPackage();
             ++prefixes_opened;
         }
@@ -268,26 +153,26 @@ const FilePatch kFilePatches[] = {
      }},
 };
 
-TEST_P(DatabaseMeetsFaults, AndDamagedFilesAreSafe) {
+TEST_F(DatabaseMeetsFaults, InFilesThatAreDamaged) {
     const auto examine = [&](const Files& files) {
-        PutBack();
-        if (GetParam() == Place::package) std::filesystem::remove(path_);
-        if (GetParam() == Place::directory) std::filesystem::remove_all(path_);
-        Put(files, GetParam());
+        std::filesystem::remove(path_);
+        Put(files, Place::package);
         Database db;
-        const std::int32_t loaded = KOfflineDb_Load(db, path_.c_str());
-        EXPECT_TRUE(loaded || db->error_code != KOFFLINE_ERR_NONE);
-        Lookups(db);
-        KOfflineTable_AddRec(Items(db), "5\tX", "\t");
-        KOfflineTable_CopyRec(Items(db), 0);
-        KOfflineTable_DelRec(Items(db), 0);
-        if (loaded) {
-            EXPECT_EQ(KOfflineDb_Save(db), 1);
-            const std::string saved = Snapshot(db);
+        KOfflineTable* items = KOfflineDb_GetTable_BITM(db);
+        for (int round = 0; round < 2; ++round) {
+            const bool loaded = KOfflineDb_Load(db, path_.c_str()) == 1;
+            EXPECT_TRUE(loaded || db->error_code != KOFFLINE_ERR_NONE);
+            KOfflineDb_GetNIDByCCODE(db, "BIKE");
+            KOfflineDb_GetRecByNID_BBOM(db, 1);
+            KOfflineDb_GetRootNodes(db, nullptr, 0);
+            KOfflineTable_AddRec(items, "5\tX", "\t");
+            KOfflineTable_CopyRec(items, 0);
+            KOfflineTable_DelRec(items, 0);
+            if (loaded) {
+                EXPECT_EQ(KOfflineDb_Save(db), 1);
+            }
             KOfflineDb_Reset(db);
-            KOfflineDb_Load(db, path_.c_str());
         }
-        Lookups(db);
         ++patches_tried;
     };
     const Files good = SmallDatabase();
@@ -303,10 +188,5 @@ TEST_P(DatabaseMeetsFaults, AndDamagedFilesAreSafe) {
         examine(bad);
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(, DatabaseMeetsFaults, testing::Values(Place::directory, Place::package),
-                         [](const auto& made) {
-                             return made.param == Place::package ? "in_a_package" : "in_a_directory";
-                         });
 
 }  // namespace
