@@ -120,13 +120,29 @@ std::vector<std::string> random_keys(int items, int count, const char* format) {
     std::vector<std::string> keys;
     char text[64];
     for (int i = 0; i < count; ++i) {
-        const unsigned nid = 1 + random() % static_cast<unsigned>(items);
+        const auto nid = static_cast<unsigned>(1 + random() % static_cast<unsigned>(items));
         std::snprintf(text, sizeof text, format, format[1] == 'd' ? nid : nid * 2654435761u);
         keys.push_back(text);
         if (i % 2)
             for (char& c : keys.back()) c = static_cast<char>(std::toupper(c));
     }
     return keys;
+}
+
+/// Wall time of the first search in a database just loaded, the median over several loads. The code has run before,
+/// in another database.
+double first_search(const fs::path& data) {
+    Library other(data);
+    std::int32_t found = 0;
+    std::vector<double> times;
+    for (int i = 0; i < 5; ++i) {
+        Library fresh(data);
+        KOfflineTable_Search(KOfflineDb_GetTable_BITM(&other.db), 0, "1", &found, 1);
+        const double start = bench::wall_seconds();
+        need(KOfflineTable_Search(KOfflineDb_GetTable_BITM(&fresh.db), 0, "777", &found, 1) == 1, "a first search");
+        times.push_back(bench::wall_seconds() - start);
+    }
+    return bench::median(times);
 }
 
 void search_rows(const std::string& n, int items, const fs::path& data, const char* const (&goals)[2]) {
@@ -158,8 +174,6 @@ void search_rows(const std::string& n, int items, const fs::path& data, const ch
         sqlite3_stmt* select = sqlite.prepare(row.select);
         long sum = 0;
         std::int32_t found[64];
-        const double first =
-            seconds_of([&] { sum += KOfflineTable_Search(row.table, row.field, keys[0].c_str(), found, 64); });
         double later = 0;
         database_row(row.work + n,
                      {{"plain",
@@ -184,9 +198,11 @@ void search_rows(const std::string& n, int items, const fs::path& data, const ch
                            });
                        }}},
                      rounds, row.goal);
-        if (row.field == 0)
-            std::printf("F1 first search after a load: %.1f us, a later one %.3f us: %.1fx (goal 20)\n", first * 1e6,
+        if (row.table_slot == 0 && row.field == 0) {
+            const double first = first_search(data);
+            std::printf("F1 first search after a load: %.2f us, later ones %.3f us: %.0fx (goal 20)\n", first * 1e6,
                         later / searches * 1e6, first / (later / searches));
+        }
         need(sum != 0, "a search");
     }
 }
