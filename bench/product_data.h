@@ -3,6 +3,7 @@
 // the items; a few items have many children, most have few, and some parts are used everywhere.
 #pragma once
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -15,7 +16,7 @@ namespace bench {
 /// A text file that is being written.
 class TextFile {
 public:
-    explicit TextFile(const std::filesystem::path& path) : file_(std::fopen(path.c_str(), "wb")) {
+    explicit TextFile(const std::filesystem::path& path) : file_(std::fopen(path.string().c_str(), "wb")) {
         if (!file_) std::exit(1);
     }
     ~TextFile() { std::fclose(file_); }
