@@ -24,7 +24,8 @@ std::uint32_t open_stored_file(vlt_store& store, vlt_file_table& files, const Ch
     if (found && !vlt_file_check_share(store, index, request.mode, request.exclusive)) return VLT_FILE_ACCESS;
     if (!found && !writes) return VLT_FILE_NOT_FOUND;
     // All room is had before a file is made: a refused open makes none.
-    if (!files.provide() || !store.open_files.provide(vlt_dir_count_grown(store))) return VLT_FILE_NO_SLOT;
+    const std::size_t entries = found ? static_cast<std::size_t>(index) + 1 : vlt_dir_count_grown(store);
+    if (!files.provide() || !store.open_files.provide(entries)) return VLT_FILE_NO_SLOT;
     if (!found) index = vlt_dir_add(store, name);
     if (index == vlt_no_entry) return VLT_FILE_NOT_FOUND;
     // An entry whose writing failed when it was made must not be known here alone.
