@@ -52,22 +52,22 @@ extern "C" {
 #endif
 
 enum {
-    VLT_BLOCK_SIZE = 4096,   /* unit of all package storage, in bytes */
-    VLT_NAME_MAX = 512,      /* characters of a stored name, without its terminator */
-    VLT_CREDENTIAL_MAX = 16  /* bytes of a credential, without its terminator */
+    VLT_BLOCK_SIZE = 4096,  /* unit of all package storage, in bytes */
+    VLT_NAME_MAX = 512,     /* characters of a stored name, without its terminator */
+    VLT_CREDENTIAL_MAX = 16 /* bytes of a credential, without its terminator */
 };
 
 /* Modes of vlt_file_open. Reading is allowed in every mode. */
 enum {
-    VLT_MODE_WRITE = 0,  /* made when missing; starts at 0; may write anywhere */
-    VLT_MODE_READ = 1,   /* must exist; starts at 0; may not write */
-    VLT_MODE_APPEND = 2  /* made when missing; starts at its end; may write at or beyond where it ended then */
+    VLT_MODE_WRITE = 0, /* made when missing; starts at 0; may write anywhere */
+    VLT_MODE_READ = 1,  /* must exist; starts at 0; may not write */
+    VLT_MODE_APPEND = 2 /* made when missing; starts at its end; may write at or beyond where it ended then */
 };
 
 /* Kinds that vlt_file_get_info and vlt_package_enum report. */
 enum {
-    VLT_ENTRY_FILE = 1,  /* a stored file */
-    VLT_ENTRY_OTHER = 2  /* an entry of another maker: listed, inspected and re-stamped, never opened or deleted */
+    VLT_ENTRY_FILE = 1, /* a stored file */
+    VLT_ENTRY_OTHER = 2 /* an entry of another maker: listed, inspected and re-stamped, never opened or deleted */
 };
 
 /* Codes that vlt_package_open and vlt_package_open_ex store when they fail. */
