@@ -26,7 +26,7 @@ inline std::uint32_t vlt_map_link(std::uint32_t word, std::int32_t next_block) {
 /// Writes the map words of a row of blocks through. Words side by side are one piece of the header run.
 bool vlt_map_put(vlt_store& store, std::int32_t block, std::int32_t count);
 
-/// Finds the free blocks once. A block that looks free while a word names it as next, or an entry as its first, is
-/// left alone: a growth of a chain that was cut off between two writes leaves such a block, and so does damage, and
-/// giving it to another file would tie the two files together.
+/// Finds the free blocks once. A block that looks free while a used word names it as next, or an entry as its first,
+/// is left alone: a growth of a chain that was cut off between two writes leaves such a block, and so does damage,
+/// and giving it to another file would tie the two files together.
 bool vlt_blocks_count(vlt_store& store);

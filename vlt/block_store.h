@@ -29,7 +29,7 @@ struct vlt_store {
     int fd = -1;
     std::int64_t base_offset = 0;   // where block 0 lies in the host file
     bool file_read_only = false;    // the host file was opened for reading only
-    bool wide_names = false;        //
+    bool wide_names = false;        // names are UTF-16
     std::int32_t block_count = 0;   // blocks that the host file holds
     Array<std::uint8_t> header;     // the header run: fields and block map
     Array<std::uint8_t> directory;  // the directory run
@@ -39,18 +39,17 @@ struct vlt_store {
     vlt_chain directory_chain;     // known whole
     IndexSet own_blocks;           // blocks of those two chains: no stored file may own one
     IndexSet free_blocks;          // blocks that may be taken; empty until blocks_counted
-    bool blocks_counted = false;   //
+    bool blocks_counted = false;   // the free blocks have been found
     IndexSet free_entries;         // directory entries that may be taken; empty until entries_counted
-    bool entries_counted = false;  //
+    bool entries_counted = false;  // the free entries have been found
     vlt_name_index names;          // entries in use by name, the lowest of each name and kind
     bool names_repeat = false;     // a damaged directory: entries were left out of it
     vlt_open_entries open_files;   // entries with an open file, and their chains
-    vlt_stamp_clock clock;         //
+    vlt_stamp_clock clock;         // the stamp of the present second
     bool directory_ahead = false;  // an entry in the image may differ from the host file
     bool entry_unwritten = false;  // because writing one failed; a stamp of reading may be in memory on purpose
 
     std::int32_t header_blocks() const { return static_cast<std::int32_t>(header.size() / VLT_BLOCK_SIZE); }
-    std::int32_t directory_blocks() const { return static_cast<std::int32_t>(directory.size() / VLT_BLOCK_SIZE); }
     std::int32_t entry_size() const { return wide_names ? VLT_ENTRY_SIZE_WIDE : VLT_ENTRY_SIZE_NARROW; }
 
     /// Blocks that exist and have a map word. A header chain shorter than the host file asks for, as a growth that

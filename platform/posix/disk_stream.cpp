@@ -13,18 +13,6 @@ std::FILE* disk_open(const char* path, DiskMode mode) {
     return std::fopen(native.get(), mode == DiskMode::read ? "rbe" : "wbe");
 }
 
-std::size_t disk_read(std::FILE* stream, void* buffer, std::size_t length) {
-    return std::fread(buffer, 1, length, stream);
-}
-
-bool disk_write(std::FILE* stream, const void* data, std::size_t length) {
-    return std::fwrite(data, 1, length, stream) == length;
-}
-
-bool disk_flush(std::FILE* stream) {
-    return std::fflush(stream) == 0;
-}
-
 bool disk_size(std::FILE* stream, std::int64_t* size) {
     *size = 0;
     if (::fseeko(stream, 0, SEEK_END) != 0) return false;
@@ -32,10 +20,6 @@ bool disk_size(std::FILE* stream, std::int64_t* size) {
     if (end < 0 || ::fseeko(stream, 0, SEEK_SET) != 0) return false;
     *size = end;
     return true;
-}
-
-bool disk_close(std::FILE* stream) {
-    return std::fclose(stream) == 0;
 }
 
 void disk_remove(const char* path) {
