@@ -13,17 +13,12 @@
 
 namespace {
 
+using Name = std::u16string;  // narrow names: one unit a byte
+
 constexpr char kPath[] = "dir/a.vlt";
 constexpr std::size_t kOffset = 10000;  // of the package with credentials
 constexpr std::size_t kBlock = 4096;
 constexpr std::uint32_t kLongest = 3 * kBlock + 2;  // bytes of one read or write
-using Name = std::u16string;                        // narrow names: one unit a byte
-
-Name Folded(Name name) {
-    for (char16_t& c : name)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char16_t>(c + 32);
-    return name;
-}
 
 std::string Narrow(const Name& name) {
     return std::string(name.begin(), name.end());
@@ -106,43 +101,6 @@ void ApplyPatches(Input& input, Bytes& host, std::size_t base) {
 }
 
 // ---- What must be in it ------------------------------------------------------------------------------------------
-
-/// The files of a package that hold all their bytes in blocks of their own, by name.
-std::map<Name, Bytes> SoundFiles(const PackageImage& image) {
-    std::vector<int> owners(static_cast<std::size_t>(std::max(image.block_count, 0)));
-    std::map<Name, int> bearers;
-    const auto own = [&](const std::vector<int>& chain) {
-        for (const int block : chain) ++owners[static_cast<std::size_t>(block)];
-    };
-    own(image.header_chain);
-    own(image.directory_chain);
-    for (const ImageEntry& entry : image.entries) {
-        if (!entry.used()) continue;
-        own(image.Chain(entry.start()));
-        ++bearers[Folded(entry.name)];
-    }
-    std::map<Name, Bytes> files;
-    for (const ImageEntry& entry : image.entries) {
-        std::vector<int> chain = image.Chain(entry.start());
-        const bool named = entry.name.size() <= VLT_NAME_MAX && bearers[Folded(entry.name)] == 1;
-        const bool whole = entry.size >= 0 && static_cast<std::uint64_t>(entry.size) <= chain.size() * kBlock;
-        if (entry.kind != VLT_ENTRY_FILE || !named || !whole) continue;
-        chain.resize((static_cast<std::size_t>(entry.size) + kBlock - 1) / kBlock);
-        const bool unshared = std::all_of(chain.begin(), chain.end(), [&](int block) {
-            return owners[static_cast<std::size_t>(block)] == 1 && (image.Word(block) & 0x80000000) != 0;
-        });
-        if (!unshared) continue;
-        Bytes& bytes = files[Folded(entry.name)];
-        bytes.reserve(chain.size() * kBlock);
-        for (const int block : chain) {
-            const auto at =
-                image.host.begin() + static_cast<std::ptrdiff_t>(image.base) + std::ptrdiff_t{block} * 4096;
-            bytes.insert(bytes.end(), at, at + kBlock);
-        }
-        bytes.resize(static_cast<std::size_t>(entry.size));
-    }
-    return files;
-}
 
 struct OpenedFile {
     std::uint32_t handle = 0;
@@ -259,7 +217,7 @@ private:
         const std::int32_t package = Package();
         const Name name = AnyName();
         const std::uint8_t how = input_.Byte();
-        OpenedFile opened{0, package, how % 4U, Folded(name)};
+        OpenedFile opened{0, package, how % 4U, FoldedName(name)};
         const bool truncates = (how & 16) != 0, may_change = opened.mode != VLT_MODE_READ;
         opened.handle = OpenFile(package, name, opened.mode, how & 8, truncates);
         if (opened.handle != 0 && sound_ && !forgotten_.count(opened.name)) {
@@ -338,8 +296,8 @@ private:
             wide_ ? vltw_file_get_info(package, name.c_str(), &kind, &size, &created, &accessed, &written)
                   : vlt_file_get_info(package, Narrow(name).c_str(), &kind, &size, &created, &accessed, &written);
         Require(found == (kind != 99));
-        if (package != 0 && Known(Folded(name)) && !HostWasFull())
-            Require(found == 1 && size == static_cast<std::int64_t>(files_[Folded(name)].size()));
+        if (package != 0 && Known(FoldedName(name)) && !HostWasFull())
+            Require(found == 1 && size == static_cast<std::int64_t>(files_[FoldedName(name)].size()));
     }
 
     void SetTime(std::int32_t package) {
@@ -352,7 +310,7 @@ private:
         const Name name = AnyName();
         const bool done =
             (wide_ ? vltw_file_delete(package, name.c_str()) : vlt_file_delete(package, Narrow(name).c_str())) == 1;
-        const Name key = Folded(name);
+        const Name key = FoldedName(name);
         if (done && sound_) files_.erase(key);
         if ((done && !sound_) || HostWasFull()) Forget(key);
     }

@@ -133,13 +133,16 @@ std::vector<int> PackageImage::ChainOf(const std::string& name) const {
     return entry && entry->first_block > 0 ? Chain(entry->start()) : std::vector<int>{};
 }
 
+Bytes PackageImage::FileBytes(const ImageEntry& entry) const {
+    Bytes bytes = ChainBytes(entry.start());
+    if (entry.size >= 0 && static_cast<std::uint64_t>(entry.size) < bytes.size())
+        bytes.resize(static_cast<std::size_t>(entry.size));
+    return bytes;
+}
+
 Bytes PackageImage::FileBytes(const std::string& name) const {
     const ImageEntry* entry = Find(name);
-    if (!entry || entry->first_block == 0) return {};
-    Bytes bytes = ChainBytes(entry->start());
-    if (entry->size >= 0 && static_cast<std::uint64_t>(entry->size) < bytes.size())
-        bytes.resize(static_cast<std::size_t>(entry->size));
-    return bytes;
+    return entry && entry->first_block != 0 ? FileBytes(*entry) : Bytes();
 }
 
 int PackageImage::UsedBlocks() const {
@@ -237,4 +240,41 @@ private:
 
 std::string Faults(const PackageImage& image, const Leniency& leniency) {
     return Checker(image, leniency).Run();
+}
+
+// ---- Files beside damage -----------------------------------------------------------------------------------------
+
+std::u16string FoldedName(std::u16string name) {
+    for (char16_t& c : name)
+        if (c >= 'A' && c <= 'Z') c = static_cast<char16_t>(c - 'A' + 'a');
+    return name;
+}
+
+std::map<std::u16string, Bytes> SoundFiles(const PackageImage& image) {
+    std::vector<int> owners(static_cast<std::size_t>(std::max(image.block_count, 0)));
+    std::map<std::u16string, int> bearers;
+    const auto own = [&](const std::vector<int>& chain) {
+        for (const int block : chain) ++owners[static_cast<std::size_t>(block)];
+    };
+    own(image.header_chain);
+    own(image.directory_chain);
+    for (const ImageEntry& entry : image.entries) {
+        if (!entry.used()) continue;
+        own(image.Chain(entry.start()));
+        ++bearers[FoldedName(entry.name)];
+    }
+    std::map<std::u16string, Bytes> files;
+    for (const ImageEntry& entry : image.entries) {
+        const std::u16string name = FoldedName(entry.name);
+        std::vector<int> chain = image.Chain(entry.start());
+        const auto needed = static_cast<std::uint64_t>(entry.size / kBlock + (entry.size % kBlock > 0 ? 1 : 0));
+        const bool whole = entry.size >= 0 && needed <= chain.size();
+        if (entry.kind != 1 || name.size() > 512 || bearers[name] != 1 || !whole) continue;
+        chain.resize(needed);
+        const bool unshared = std::all_of(chain.begin(), chain.end(), [&](int block) {
+            return owners[static_cast<std::size_t>(block)] == 1 && (image.Word(block) & kUsed) != 0;
+        });
+        if (unshared) files[name] = image.FileBytes(entry);
+    }
+    return files;
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -57,6 +58,7 @@ public:
     const ImageEntry* Find(const std::string& name) const;
     std::vector<int> ChainOf(const std::string& name) const;
     /// The stored bytes of a file, as far as its chain goes.
+    Bytes FileBytes(const ImageEntry& entry) const;
     Bytes FileBytes(const std::string& name) const;
     int UsedBlocks() const;
 
@@ -91,3 +93,9 @@ struct Leniency {
 
 /// Every broken rule of the package, one a line; empty when it is sound.
 std::string Faults(const PackageImage& image, const Leniency& leniency = {});
+
+/// The files of a package that hold all their bytes in blocks of their own, by the folded name that is theirs alone:
+/// whatever else is damaged, these read back until they are changed.
+std::map<std::u16string, Bytes> SoundFiles(const PackageImage& image);
+/// The letters A to Z made small, as names are compared.
+std::u16string FoldedName(std::u16string name);
