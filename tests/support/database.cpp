@@ -2,50 +2,8 @@
 #include "tests/support/database.h"
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 namespace fs = std::filesystem;
-
-namespace {
-
-void WriteFile(const fs::path& path, const std::string& contents) {
-    std::ofstream(path, std::ios::binary) << contents;
-}
-
-std::string ReadFile(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
-void StoreFile(std::int32_t package, const std::string& name, const std::string& contents) {
-    const std::int32_t file = vlt_file_open(package, name.c_str(), VLT_MODE_WRITE, 0, 1, nullptr);
-    ASSERT_GT(file, 0);
-    const auto length = static_cast<std::int32_t>(contents.size());
-    EXPECT_EQ(vlt_file_write(static_cast<std::uint32_t>(file), contents.data(), length), 1);
-    vlt_file_close(static_cast<std::uint32_t>(file));
-}
-
-std::string StoredFile(std::int32_t package, const char* name, std::int64_t size) {
-    std::string contents(static_cast<std::size_t>(size), ' ');
-    const std::int32_t file = vlt_file_open(package, name, VLT_MODE_READ, 0, 0, nullptr);
-    vlt_file_read(static_cast<std::uint32_t>(file), contents.data(), static_cast<std::int32_t>(size));
-    vlt_file_close(static_cast<std::uint32_t>(file));
-    return contents;
-}
-
-Files StoredInPackage(std::int32_t package) {
-    Files files;
-    char name[VLT_NAME_MAX + 1];
-    std::int64_t size = 0;
-    for (std::int32_t at = 0;
-         (at = vlt_package_enum(package, at, name, nullptr, &size, nullptr, nullptr, nullptr)) > 0;) {
-        files[name] = StoredFile(package, name, size);
-    }
-    return files;
-}
-
-}  // namespace
 
 std::string Lines(const std::vector<std::string>& lines) {
     std::string text;
@@ -106,11 +64,11 @@ DatabaseTest::~DatabaseTest() {
 }
 
 void DatabaseTest::Write(const std::string& name, const std::string& contents) const {
-    WriteFile(At(name), contents);
+    WriteText(At(name), contents);
 }
 
 std::string DatabaseTest::Read(const std::string& name) const {
-    return ReadFile(At(name));
+    return ReadText(At(name));
 }
 
 bool DatabaseTest::Exists(const std::string& name) const {
@@ -127,25 +85,8 @@ void DatabaseTest::MakeDirectory(const std::string& name) const {
 
 std::string DatabaseTest::Put(const Files& files, Place place) const {
     const std::string path = At(place == Place::package ? "data.vlt" : "data");
-    if (place == Place::directory) {
-        fs::create_directories(path);
-        for (const auto& [name, contents] : files) WriteFile(path + "/" + name, contents);
-        return path;
-    }
-    EXPECT_EQ(vlt_package_create(path.c_str(), 0, 0, nullptr, nullptr), 1);
-    const std::int32_t package = vlt_package_open(path.c_str(), 0, 0, nullptr, nullptr, nullptr, nullptr);
-    for (const auto& [name, contents] : files) StoreFile(package, name, contents);
-    vlt_package_close(package);
+    EXPECT_TRUE(PutFiles(path, files, place));
     return path;
-}
-
-Files DatabaseTest::Stored(KOfflineDb* db, const std::string& path) {
-    if (db->package > 0) return StoredInPackage(db->package);
-    Files files;
-    for (const auto& entry : fs::directory_iterator(path)) {
-        files[entry.path().filename().string()] = ReadFile(entry.path());
-    }
-    return files;
 }
 
 std::string FieldNames(KOfflineTable* table) {

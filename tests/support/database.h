@@ -5,14 +5,10 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <map>
 #include <string>
 #include <vector>
 
-#include "offline.h"
-
-/// File name to contents.
-using Files = std::map<std::string, std::string>;
+#include "tests/support/database_files.h"
 
 /// The lines, each ended by CR LF.
 std::string Lines(const std::vector<std::string>& lines);
@@ -22,23 +18,6 @@ Files SmallDatabase();
 
 /// A schema that declares what it must, and two empty data files.
 Files MinimalDatabase();
-
-enum class Place { directory, package };
-
-/// A database record that is constructed and destroyed by scope.
-class Database {
-public:
-    Database() { KOfflineDb_Constructor(&record_); }
-    Database(const Database&) = delete;
-    Database& operator=(const Database&) = delete;
-    ~Database() { KOfflineDb_Destructor(&record_); }
-
-    operator KOfflineDb*() { return &record_; }
-    KOfflineDb* operator->() { return &record_; }
-
-private:
-    KOfflineDb record_;
-};
 
 /// A test with a directory of its own, which is empty at its start and gone after it.
 class DatabaseTest : public testing::Test {
@@ -59,7 +38,7 @@ protected:
     std::string Put(const Files& files, Place place = Place::directory) const;
 
     /// Reads them back, from the directory `path` or out of the package that `db` has open.
-    static Files Stored(KOfflineDb* db, const std::string& path);
+    static Files Stored(KOfflineDb* db, const std::string& path) { return StoredFiles(db, path); }
 
 private:
     std::string folder_;
