@@ -1,56 +1,34 @@
 // SPDX-License-Identifier: MIT
 // A whole database, in a directory or in a package that may be damaged: load, every accessor, changes, save, load.
 #include <cstring>
+#include <utility>
 #include <vector>
 
 #include "fuzz/support.h"
-#include "include/offline.h"
+#include "tests/support/database_files.h"
+#include "tests/support/package_image.h"
 
 namespace {
 
-const char* const kFiles[] = {"kdbmain.txt", "bitm.txt",  "bbom.txt",   "bdwg.txt",
-                              "bitdwg.txt",  "bcapp.txt", "bitcap.txt", "doc.svg"};
-
-class Database {
-public:
-    Database() { KOfflineDb_Constructor(&db); }
-    Database(const Database&) = delete;
-    Database& operator=(const Database&) = delete;
-    ~Database() { KOfflineDb_Destructor(&db); }
-
-    KOfflineDb db;
-};
-
-void Store(std::int32_t package, const char* name, const std::string& contents) {
-    const auto file = static_cast<std::uint32_t>(vlt_file_open(package, name, VLT_MODE_WRITE, 0, 1, nullptr));
-    Require(vlt_file_write(file, contents.data(), static_cast<std::int32_t>(contents.size())) == 1);
-}
-
-/// Puts the files, which stand one after the other in the input, where they can be loaded from; gives the path.
-const char* Put(Input& input, bool in_package) {
-    std::vector<std::string> contents;
-    for (std::size_t i = 0; i < std::size(kFiles); ++i) contents.push_back(input.Text('\x1e'));
-    if (!in_package) {
-        for (std::size_t i = 0; i < std::size(kFiles); ++i)
-            if (i == 0 || !contents[i].empty())
-                HostFile(std::string("dir/") + kFiles[i]).assign(contents[i].begin(), contents[i].end());
-        return "dir";
+/// The files stand one after the other in the input; of the data files only those that hold something are made.
+Files TakeFiles(Input& input) {
+    Files files;
+    for (const char* name :
+         {"kdbmain.txt", "bitm.txt", "bbom.txt", "bdwg.txt", "bitdwg.txt", "bcapp.txt", "bitcap.txt", "doc.svg"}) {
+        const std::string contents = input.Text('\x1e');
+        if (files.empty() || !contents.empty()) files[name] = contents;
     }
-    Require(vlt_package_create("db.vlt", 0, 0, nullptr, nullptr) == 1);
-    const std::int32_t package = vlt_package_open("db.vlt", 0, 0, nullptr, nullptr, nullptr, nullptr);
-    for (std::size_t i = 0; i < std::size(kFiles); ++i)
-        if (i == 0 || !contents[i].empty()) Store(package, kFiles[i], contents[i]);
-    vlt_package_close(package);
-    return "db.vlt";
+    return files;
 }
 
 /// Changes bytes of the package: in its header, its directory or anywhere.
-void Damage(Input& input) {
-    Bytes& host = HostFile("db.vlt");
+void Damage(Input& input, const std::string& path) {
+    Bytes host = ReadHostFile(path);
     while (!input.empty()) {
         const std::size_t at = input.Number(2) % host.size();
         host[at] = input.Byte();
     }
+    WriteHostFile(path, host);
 }
 
 void LookUp(KOfflineDb* db, std::int32_t rec) {
@@ -62,10 +40,9 @@ void LookUp(KOfflineDb* db, std::int32_t rec) {
     KOfflineDb_GetRecByNID_BITDWG(db, KOfflineDb_GetNIDByRec_BITDWG(db, rec));
     KOfflineDb_GetRecByNID_BCAPP(db, KOfflineDb_GetNIDByRec_BCAPP(db, rec));
     KOfflineDb_GetRecByNID_BITCAP(db, KOfflineDb_GetNIDByRec_BITCAP(db, rec));
-    KOfflineDb_GetCCODEByRec_BDWG(db, rec, code);
-    KOfflineDb_GetCCODEByNID_BDWG(db, rec, code);
-    KOfflineDb_GetCCODEByRec_BCAPP(db, rec, code);
-    KOfflineDb_GetCCODEByNID_BCAPP(db, rec, code);
+    for (const auto get : {KOfflineDb_GetCCODEByRec_BDWG, KOfflineDb_GetCCODEByNID_BDWG,
+                           KOfflineDb_GetCCODEByRec_BCAPP, KOfflineDb_GetCCODEByNID_BCAPP})
+        get(db, rec, code);
     KOfflineDb_GetCCODEByNID(db, nid, code);
     if (KOfflineDb_GetCCODEByRec(db, rec, code) && code[0]) KOfflineDb_GetNIDByCCODE(db, code);
 }
@@ -80,8 +57,8 @@ void UseAll(KOfflineDb* db) {
     char path[260];
     KOfflineDb_GetPath(db, path);
     const bool stored = KOfflineDb_CheckPackageFileExist(db, "x\\doc.svg") == 1;
-    Require(KOfflineDb_GetPackageFile(db, "doc.svg", "out.svg") == 0 || stored);
-    if (KOfflineDb_SavePackageFile(db, "other.svg", "new.svg"))
+    Require(KOfflineDb_GetPackageFile(db, "doc.svg", Scratch("out.svg").c_str()) == 0 || stored);
+    if (KOfflineDb_SavePackageFile(db, Scratch("other.svg").c_str(), "new.svg"))
         Require(KOfflineDb_CheckPackageFileExist(db, "new.svg") == 1);
 }
 
@@ -95,50 +72,40 @@ void Change(KOfflineDb* db) {
     UseAll(db);
 }
 
-std::vector<std::string> Contents(const std::string& folder) {
-    std::vector<std::string> contents;
-    for (const char* name : kFiles) {
-        const std::string path = folder + "/" + name;
-        contents.push_back(HostFileExists(path) ? std::string(HostFile(path).begin(), HostFile(path).end()) : "");
-    }
-    return contents;
-}
-
 /// What is saved, loaded and saved again stays the same, once saving has brought it into its own form.
 void CheckSaved(KOfflineDb* db) {
     if (!KOfflineDb_Save(db)) return Require(db->error_code != KOFFLINE_ERR_NONE);
     if (db->package != 0 || (std::strcmp(db->separator, "\t") != 0 && std::strcmp(db->separator, ",") != 0)) return;
-    std::vector<std::string> former;
-    for (const char* folder : {"dir/", "one", "two"}) {
+    const std::string dir = Scratch("dir"), one = Scratch("one"), two = Scratch("two");
+    for (const auto& [from, to] : {std::pair(dir, dir + "/"), std::pair(dir, one), std::pair(one, two)}) {
         Database again;
-        if (!KOfflineDb_Load(&again.db, former.empty() ? "dir" : "one")) return;
-        Require(KOfflineDb_SaveAs(&again.db, folder) == 1);
-        if (folder[0] == 't') Require(Contents("two") == Contents("one"));
-        if (folder[0] == 'o') former = Contents("one");
+        if (!KOfflineDb_Load(again, from.c_str())) return;
+        PutFiles(to, {}, Place::directory);
+        Require(KOfflineDb_SaveAs(again, to.c_str()) == 1);
+        if (to == two) Require(StoredFiles(again, two) == StoredFiles(again, one));
     }
+}
+
+void Use(KOfflineDb* db, const std::string& path, bool double_bytes) {
+    if (!KOfflineDb_Load(db, path.c_str())) return static_cast<void>(KOfflineDb_Save(db));
+    Require(db->error_code == KOFFLINE_ERR_NONE);
+    UseAll(db);
+    Change(db);
+    if (!double_bytes) CheckSaved(db);
 }
 
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    ResetHost();
     Input input(data, size);
     const std::uint8_t kind = input.Byte();
     UseDoubleBytes(kind & 2);
-    HostFile("other.svg").assign(100, '<');
-    const char* path = Put(input, kind & 1);
-    if (kind & 1) Damage(input);
-    {
-        Database database;
-        if (KOfflineDb_Load(&database.db, path)) {
-            Require(database.db.error_code == KOFFLINE_ERR_NONE);
-            UseAll(&database.db);
-            Change(&database.db);
-            if (!(kind & 2)) CheckSaved(&database.db);
-        } else {
-            KOfflineDb_Save(&database.db);
-        }
-    }
+    WriteText(Scratch("other.svg"), std::string(100, '<'));
+    const std::string path = Scratch(kind & 1 ? "db.vlt" : "dir");
+    Require(PutFiles(path, TakeFiles(input), kind & 1 ? Place::package : Place::directory));
+    if (kind & 1) Damage(input, path);
+    Use(Database(), path, kind & 2);
     vlt_package_close_all();
+    ResetHost();
     return 0;
 }

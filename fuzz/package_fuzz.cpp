@@ -3,22 +3,36 @@
 // change read back byte for byte. While it is sound: every file holds what was written, and the package stays sound.
 #include <algorithm>
 #include <array>
+#include <cctype>
 #include <cstring>
 #include <map>
 #include <set>
 
 #include "fuzz/package_script.h"
 #include "fuzz/support.h"
+#include "tests/support/package_image.h"
 #include "vlt.h"
 
 namespace {
 
 using Name = std::u16string;  // narrow names: one unit a byte
 
-constexpr char kPath[] = "dir/a.vlt";
 constexpr std::size_t kOffset = 10000;  // of the package with credentials
 constexpr std::size_t kBlock = 4096;
 constexpr std::uint32_t kLongest = 3 * kBlock + 2;  // bytes of one read or write
+
+const std::string& Host() {
+    static const std::string path = Scratch("a.vlt");
+    return path;
+}
+
+/// The same path to a package that is open.
+std::string OtherSpelling() {
+    std::string path = Host();
+    std::transform(path.begin(), path.end(), path.begin(),
+                   [](unsigned char c) { return static_cast<char>(c == '/' ? '\\' : std::toupper(c)); });
+    return path;
+}
 
 std::string Narrow(const Name& name) {
     return std::string(name.begin(), name.end());
@@ -45,15 +59,16 @@ void AppendTo(std::int32_t package, const Name& name, std::size_t length) {
 Bytes MakeBase(Base base) {
     if (base == kBaseZeros) return Bytes(16 * kBlock);
     const bool wide = base == kBaseWide, locked = base == kBaseCredentials, full = base == kBaseFull;
-    ResetHost();
-    Require(vlt_package_create(kPath, wide, full ? 3 : 0, locked ? "r" : nullptr, locked ? "w" : nullptr));
-    const std::int32_t package = vlt_package_open(kPath, 0, 0, "r", locked ? "w" : nullptr, nullptr, nullptr);
+    Require(vlt_package_create(Host().c_str(), wide, full ? 3 : 0, locked ? "r" : nullptr, locked ? "w" : nullptr));
+    const std::int32_t package =
+        vlt_package_open(Host().c_str(), 0, 0, "r", locked ? "w" : nullptr, nullptr, nullptr);
     for (unsigned turn = 0; turn < 3; ++turn)
         for (const char16_t* name : {u"a", u"bb", u"C"}) AppendTo(package, name, 3001U * (turn + 1U));
     if (full) AppendTo(package, u"d", 981 * kBlock);  // one header block has words for 998 blocks
     vlt_package_close_all();
-    Require(!full || HostFile(kPath).size() == 998 * kBlock);
-    Bytes host = HostFile(kPath);
+    Bytes host = ReadHostFile(Host());
+    ResetHost();
+    Require(!full || host.size() == 998 * kBlock);
     if (locked) host.insert(host.begin(), kOffset, 0x55);
     return host;
 }
@@ -112,7 +127,7 @@ struct OpenedFile {
 class Script {
 public:
     Script(Input& input, std::size_t base) : input_(input), base_(base) {
-        const PackageImage image(HostFile(kPath), base_);
+        const PackageImage image(ReadHostFile(Host()), base_);
         wide_ = image.wide;
         if (image.is_package()) files_ = SoundFiles(image);
         const auto used = [](const ImageEntry& entry) { return entry.used(); };
@@ -171,7 +186,7 @@ private:
             case kTick:
                 return TickClock(input_.Byte());
             case kFillDisk:
-                return LimitHost(HostFile(kPath).size() + kBlock * input_.Byte());
+                return LimitHost(input_.Byte() + 1);
             case kAnyHandle:
                 return UseHandle(input_.Number(4));
         }
@@ -180,11 +195,13 @@ private:
     void OpenPackage(std::uint8_t how) {
         const char* write_credential = how & 4 ? "nobody's" : "w";
         std::int32_t wide = -1, error = 0;
-        const std::int32_t package = vlt_package_open_ex(
-            how & 1 ? "DIR\\A.vlt" : kPath, how & 2, static_cast<std::uint32_t>(how & 8 ? base_ + 1 : base_),
-            how & 128 ? -1 : 0, (how >> 4) % 3, how & 64, "r", locked() ? write_credential : nullptr, &wide, &error);
+        const std::int32_t package =
+            vlt_package_open_ex(how & 1 ? OtherSpelling().c_str() : Host().c_str(), how & 2,
+                                static_cast<std::uint32_t>(how & 8 ? base_ + 1 : base_), how & 128 ? -1 : 0,
+                                (how >> 4) % 3, how & 64, "r", locked() ? write_credential : nullptr, &wide, &error);
         Require((package != 0) == (error == 0) && error <= VLT_OPEN_ARGUMENT && (wide == 0 || wide == 1));
         if (package == 0) return;
+        read_only_ = read_only_ || (how & 2);
         std::int32_t& slot = packages_[input_.Byte() % packages_.size()];
         if (slot != 0) ClosePackage(slot);
         slot = package;
@@ -205,6 +222,8 @@ private:
         OpenPackage(0);
     }
 
+    /// Writes may have failed: the disk was full or the host file was opened for reading only.
+    bool Failing() const { return read_only_ || HostWasFull(); }
     bool Known(const Name& name) const { return files_.count(name) != 0; }
 
     /// Nothing is promised any more of what this file holds.
@@ -224,7 +243,7 @@ private:
             Require(may_change || Known(opened.name));
             if (truncates) files_[opened.name].clear();
             files_[opened.name];
-        } else if (may_change && (!sound_ || HostWasFull())) {
+        } else if (may_change && (!sound_ || Failing())) {
             Forget(opened.name);
         }
         if (opened.handle == 0) return;
@@ -245,7 +264,7 @@ private:
         vlt_file_get_pos(file.handle, &position);
         const std::int32_t count = vlt_file_read(file.handle, buffer.data(), length);
         Require(count >= 0 && count <= length);
-        if (!Known(file.name) || file.handle == 0 || HostWasFull()) return;
+        if (!Known(file.name) || file.handle == 0 || Failing()) return;
         const Bytes& bytes = files_[file.name];
         const auto at = std::min<std::size_t>(static_cast<std::size_t>(position), bytes.size());
         Require(static_cast<std::size_t>(count) == std::min(buffer.size(), bytes.size() - at));
@@ -260,7 +279,7 @@ private:
         if (file.handle == 0 || bytes.empty() || file.mode == VLT_MODE_READ) return Require(done == bytes.empty());
         if (!Known(file.name)) return;
         if (!done) {
-            if (file.mode != VLT_MODE_APPEND || HostWasFull() || !sound_) Forget(file.name);
+            if (file.mode != VLT_MODE_APPEND || Failing() || !sound_) Forget(file.name);
             return;
         }
         Bytes& held = files_[file.name];
@@ -296,7 +315,7 @@ private:
             wide_ ? vltw_file_get_info(package, name.c_str(), &kind, &size, &created, &accessed, &written)
                   : vlt_file_get_info(package, Narrow(name).c_str(), &kind, &size, &created, &accessed, &written);
         Require(found == (kind != 99));
-        if (package != 0 && Known(FoldedName(name)) && !HostWasFull())
+        if (package != 0 && Known(FoldedName(name)) && !Failing())
             Require(found == 1 && size == static_cast<std::int64_t>(files_[FoldedName(name)].size()));
     }
 
@@ -312,7 +331,7 @@ private:
             (wide_ ? vltw_file_delete(package, name.c_str()) : vlt_file_delete(package, Narrow(name).c_str())) == 1;
         const Name key = FoldedName(name);
         if (done && sound_) files_.erase(key);
-        if ((done && !sound_) || HostWasFull()) Forget(key);
+        if ((done && !sound_) || Failing()) Forget(key);
     }
 
     void Enumerate(std::int32_t package) {
@@ -340,9 +359,9 @@ private:
     }
 
     void Check() {
-        const PackageImage image(HostFile(kPath), base_);
+        const PackageImage image(ReadHostFile(Host()), base_);
         if (sound_) {
-            const bool full = HostWasFull();
+            const bool full = Failing();
             const std::string faults = Faults(image, {full, full, full, full});
             if (!faults.empty()) std::fputs(faults.c_str(), stderr);
             Require(faults.empty());
@@ -354,6 +373,7 @@ private:
     Input& input_;
     const std::size_t base_;
     bool wide_ = false;
+    bool read_only_ = false;
     bool sound_ = false;           // the package was sound at first, and every name in it is a file's own
     std::map<Name, Bytes> files_;  // what is known of them, by folded name
     std::set<Name> forgotten_;     // of these nothing is
@@ -371,8 +391,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Bytes host = BaseImage(kind);
     const std::size_t base = kind == kBaseCredentials ? kOffset : 0;
     ApplyPatches(input, host, base);
-    ResetHost();
-    HostFile(kPath) = std::move(host);
+    WriteHostFile(Host(), host);
     Script(input, base).Run();
+    ResetHost();
     return 0;
 }

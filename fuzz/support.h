@@ -1,32 +1,30 @@
 // SPDX-License-Identifier: MIT
-// What the fuzz targets share: taking an input apart, and files that live in memory.
+// What the fuzz targets share: a property that must hold, a folder for the files of one input, a clock, a character
+// set and a disk that are set. Inputs are taken apart with Input.
 #pragma once
 
 #include <cstdint>
-#include <cstdio>
-#include <cstdlib>
 #include <string>
 
 #include "tests/support/input.h"
-#include "tests/support/package_image.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
 /// Ends the run when a property does not hold.
-inline void Require(bool holds, const char* file = __builtin_FILE(), int line = __builtin_LINE()) {
-    if (holds) return;
-    std::fprintf(stderr, "%s:%d: a property does not hold\n", file, line);
-    std::abort();
-}
+void Require(bool holds, const char* file = __builtin_FILE(), int line = __builtin_LINE());
+/// The same for a list of faults, which is printed.
+void RequireNone(const std::string& faults, const char* file = __builtin_FILE(), int line = __builtin_LINE());
 
-// The platform's files, its clock and its character set are bound to these at link time.
+/// The path of a file in the scratch folder, which this process alone has; it goes when the process ends, but after
+/// a finding it is left as it was.
+std::string Scratch(const std::string& name);
 
-/// Forgets every file and starts the clock and the character set anew.
+/// To be called at the end of each input: nothing may be held, the scratch folder is emptied, and disk, clock and
+/// character set are as they were at first.
 void ResetHost();
-Bytes& HostFile(const std::string& path);
-bool HostFileExists(const std::string& path);
-/// Host files may not grow beyond so many bytes.
-void LimitHost(std::size_t bytes);
+
+/// From now on the `nth` write to a host file, or extension of one, fails half done, and so do all after it.
+void LimitHost(int nth);
 bool HostWasFull();
 void TickClock(int seconds);
 /// Bytes from 0x81 on lead a character of two bytes, whose second byte may be any but zero.

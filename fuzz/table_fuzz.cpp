@@ -10,6 +10,7 @@
 #include "fuzz/support.h"
 #include "include/offline.h"
 #include "offline/tables/data_file.h"
+#include "tests/support/database_files.h"
 
 namespace {
 
@@ -36,8 +37,9 @@ public:
 
     void Run() {
         const std::string calls = input_.Text('\x1e'), contents = input_.Rest().substr(0, kLongestFile);
-        HostFile("data.txt").assign(contents.begin(), contents.end());
-        KOfflineTable_ReadFile(&table_, "data.txt", separator_);
+        const std::string data = Scratch("data.txt");
+        WriteText(data, contents);
+        KOfflineTable_ReadFile(&table_, data.c_str(), separator_);
         rows_ = Rows();
         Input script(reinterpret_cast<const std::uint8_t*>(calls.data()), calls.size());
         for (int i = 0; !script.empty() && i < 50; ++i) {
@@ -198,16 +200,16 @@ private:
 
     /// Written, read and written until what is written stays the same, which takes two turns.
     void CheckFiles() {
-        Bytes& file = HostFile("out.txt");
-        Require(KOfflineTable_WriteFile(&table_, "out.txt", separator_) == 1);
+        const std::string out = Scratch("out.txt");
+        Require(KOfflineTable_WriteFile(&table_, out.c_str(), separator_) == 1);
         const std::vector<Row> before = Rows();
-        if (!KOfflineTable_ReadFile(&table_, "out.txt", separator_)) return;
+        if (!KOfflineTable_ReadFile(&table_, out.c_str(), separator_)) return;
         const bool plain = (!std::strcmp(separator_, "\t") || !std::strcmp(separator_, ",")) && !double_bytes_;
-        KOfflineTable_WriteFile(&table_, "out.txt", separator_);
-        const Bytes first = file;
-        if (!plain || !KOfflineTable_ReadFile(&table_, "out.txt", separator_)) return;
-        KOfflineTable_WriteFile(&table_, "out.txt", separator_);
-        Require(file == first);
+        KOfflineTable_WriteFile(&table_, out.c_str(), separator_);
+        const std::string first = ReadText(out);
+        if (!plain || !KOfflineTable_ReadFile(&table_, out.c_str(), separator_)) return;
+        KOfflineTable_WriteFile(&table_, out.c_str(), separator_);
+        Require(ReadText(out) == first);
     }
 
     Input& input_;
@@ -220,8 +222,8 @@ private:
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    ResetHost();
     Input input(data, size);
     Tables(input).Run();
+    ResetHost();
     return 0;
 }

@@ -57,17 +57,11 @@ vlt_suite(store_tests vlt vlt)
 vlt_suite(offline_tests offline vlt)
 vlt_suite(inner_tests inner vlt_objects)
 
-# Tests that make host calls and allocations fail: they bind a function __wrap_NAME of their own in front of each of
-# these.
+# Tests that make host calls and allocations fail.
 vlt_suite(fault_tests faults vlt_objects)
 if(TARGET fault_tests)
-    foreach(function IN ITEMS
-            heap_alloc heap_alloc_zeroed heap_resize heap_free
-            mutex_create mutex_destroy mutex_lock mutex_unlock
-            host_open host_close host_read host_write host_size host_extend
-            disk_open disk_read disk_write disk_size disk_flush disk_close)
-        target_link_options(fault_tests PRIVATE LINKER:--wrap=${function})
-    endforeach()
+    include(support/host_faults.cmake)
+    vlt_host_faults(fault_tests)
     # Under the thread sanitizer only what threads do side by side is of interest; the rest would take minutes.
     if(VLT_SANITIZE STREQUAL "thread")
         file(MAKE_DIRECTORY ${PROJECT_BINARY_DIR}/scratch/threads)

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "offline.h"
+#include "tests/support/escape_properties.h"
 
 namespace {
 
@@ -15,51 +15,54 @@ constexpr int kDecode = 0;
 constexpr int kEncode = 1;
 constexpr int kRoom = 64;
 
-struct Swap {
-    const char* table;
-    const char* input;
-    int direction;
-    int size;
-    int result;
-    const char* output;
-};
-
-class Swaps : public testing::TestWithParam<Swap> {};
-
-TEST_P(Swaps, GiveTheResultAndTheOutputMadeSoFar) {
-    const Swap& swap = GetParam();
-    std::vector<char> output(kRoom, '?');
-    EXPECT_EQ(KText_Swap(swap.input, '\\', swap.table, '|', ':', output.data(), swap.size, swap.direction),
-              swap.result);
-    EXPECT_STREQ(output.data(), swap.output);
-}
-
 constexpr const char* kOwn = KOFFLINE_ESCAPE_TABLE;
 
-INSTANTIATE_TEST_SUITE_P(
-    Encoding, Swaps,
-    testing::Values(Swap{kOwn, "a,b", kEncode, kRoom, 0, "a\\cb"},
-                    Swap{kOwn, "C:\\tmp", kEncode, kRoom, 0, "C:\\\\tmp"},
-                    Swap{kOwn, "//", kEncode, kRoom, 0, "\\/\\/"},
-                    Swap{kOwn, "\r\n\t", kEncode, kRoom, 0, "\\r\\n\\t"}, Swap{kOwn, "; ", kEncode, kRoom, 0, "; "},
-                    Swap{kOwn, "", kEncode, kRoom, 0, ""}, Swap{kOwn, nullptr, kEncode, kRoom, 0, ""},
-                    Swap{kOwn, "ab", kEncode, -1, 0, "ab"}, Swap{kOwn, "ab", kEncode, 3, 0, "ab"},
-                    Swap{kOwn, "ab", kEncode, 2, 2, ""}, Swap{kOwn, "ab,c", kEncode, 4, 2, "ab"},
-                    Swap{kOwn, "ab,cd", kEncode, 6, 2, "ab\\c"},
-                    Swap{"long:xy|s:x|m:a:b", "xyxa:b", kEncode, kRoom, 0, "\\long\\s\\m"},
-                    Swap{"never:", "ab", kEncode, kRoom, 0, "ab"}));
+struct Swap {
+    const char* input;
+    int direction;
+    int result;
+    const char* output;  // what was made so far
+    int size = kRoom;
+    const char* table = kOwn;
+};
 
-INSTANTIATE_TEST_SUITE_P(Decoding, Swaps,
-                         testing::Values(Swap{kOwn, "a\\cb\\\\c", kDecode, kRoom, 0, "a,b\\c"},
-                                         Swap{kOwn, "a\\qb", kDecode, kRoom, -2, "a"},
-                                         Swap{kOwn, "abc\\", kDecode, kRoom, -4, "abc"},
-                                         Swap{kOwn, "\\c\\C", kDecode, kRoom, -3, ","},
-                                         Swap{kOwn, "\\c", kDecode, 2, 0, ","}, Swap{kOwn, "\\c", kDecode, 1, 2, ""},
-                                         Swap{kOwn, "a\\cbc", kDecode, 4, 2, "a,"},
-                                         Swap{"a:1|ab:2", "\\ab\\b", kDecode, kRoom, -4, "1b"},
-                                         Swap{"a:long plain text", "\\a", kDecode, kRoom, 0, "long plain text"},
-                                         Swap{"a:1|broken|b:2", "\\a\\b", kDecode, kRoom, -3, "1"},
-                                         Swap{"", "\\\\", kDecode, kRoom, 0, "\\"}));
+constexpr Swap kSwaps[] = {
+    {"a,b", kEncode, 0, "a\\cb"},
+    {"C:\\tmp", kEncode, 0, "C:\\\\tmp"},
+    {"//", kEncode, 0, "\\/\\/"},
+    {"\r\n\t", kEncode, 0, "\\r\\n\\t"},
+    {"; ", kEncode, 0, "; "},
+    {"", kEncode, 0, ""},
+    {nullptr, kEncode, 0, ""},
+    {"ab", kEncode, 0, "ab", -1},
+    {"ab", kEncode, 0, "ab", 3},
+    {"ab", kEncode, 2, "", 2},
+    {"ab,c", kEncode, 2, "ab", 4},
+    {"ab,cd", kEncode, 2, "ab\\c", 6},
+    {"xyxa:b", kEncode, 0, "\\long\\s\\m", kRoom, "long:xy|s:x|m:a:b"},
+    {"ab", kEncode, 0, "ab", kRoom, "never:"},
+    {"a\\cb\\\\c", kDecode, 0, "a,b\\c"},
+    {"a\\qb", kDecode, -2, "a"},
+    {"abc\\", kDecode, -4, "abc"},
+    {"\\c\\C", kDecode, -3, ","},
+    {"\\c", kDecode, 0, ",", 2},
+    {"\\c", kDecode, 2, "", 1},
+    {"a\\cbc", kDecode, 2, "a,", 4},
+    {"\\ab\\b", kDecode, -4, "1b", kRoom, "a:1|ab:2"},
+    {"\\a", kDecode, 0, "long plain text", kRoom, "a:long plain text"},
+    {"\\a\\b", kDecode, -3, "1", kRoom, "a:1|broken|b:2"},
+    {"\\\\", kDecode, 0, "\\", kRoom, ""},
+};
+
+TEST(Escape, GivesTheResultAndTheOutputMadeSoFar) {
+    for (const Swap& swap : kSwaps) {
+        SCOPED_TRACE(&swap - kSwaps);
+        std::vector<char> output(kRoom, '?');
+        EXPECT_EQ(KText_Swap(swap.input, '\\', swap.table, '|', ':', output.data(), swap.size, swap.direction),
+                  swap.result);
+        EXPECT_STREQ(output.data(), swap.output);
+    }
+}
 
 TEST(Escape, EqualSeparatorsOrNoOutputAreRefused) {
     char output[] = "untouched";
@@ -70,38 +73,17 @@ TEST(Escape, EqualSeparatorsOrNoOutputAreRefused) {
     EXPECT_EQ(KOfflineDb_StrSwap("a", nullptr, kRoom, kEncode), 0);
 }
 
-TEST(Escape, AValueWithoutSpecialCharactersFitsWholeOrNotAtAll) {
-    const std::string value(1500, 'x');
-    std::string output(1024, '?');
-    EXPECT_EQ(KOfflineDb_StrSwap(value.c_str(), output.data(), 1024, kEncode), 0);
-    EXPECT_STREQ(output.c_str(), "");
-}
-
-TEST(Escape, TheOutputMayOverwriteTheInput) {
-    for (const std::size_t length : {std::size_t{10}, std::size_t{300}}) {
-        std::string text(length, ',');
-        text.resize(2 * length + 1);
-        EXPECT_EQ(KOfflineDb_StrSwap(text.c_str(), text.data(), static_cast<int>(text.size()), kEncode), 1);
-        EXPECT_EQ(text.substr(0, 4), "\\c\\c");
-        EXPECT_EQ(KOfflineDb_StrSwap(text.c_str(), text.data(), static_cast<int>(text.size()), kDecode), 1);
-        EXPECT_EQ(text.c_str(), std::string(length, ','));
-    }
-}
-
-TEST(Escape, TheFastDecoderGivesWhatTheEngineGives) {
+TEST(Escape, AnyTextComesBackAndBuffersAndDecodersAgree) {
     std::mt19937 random(7);
-    constexpr char letters[] = "\\\\\\ctrn/q,ab";
-    for (int round = 0; round < 5000; ++round) {
-        std::string text(random() % 12, 0);
-        for (char& c : text) c = letters[random() % (sizeof letters - 1)];
-        std::vector<char> expected(text.size() + 1);
-        KOfflineDb_StrSwap(text.c_str(), expected.data(), static_cast<int>(expected.size()), kDecode);
-        for (const bool ascii_is_whole : {true, false}) {
-            std::string fast = text;
-            const std::size_t length = escape_decode(fast.data(), fast.size(), ascii_is_whole);
-            ASSERT_STREQ(fast.c_str(), expected.data()) << text;
-            ASSERT_EQ(length, std::string(expected.data()).size()) << text;
-        }
+    std::vector<std::string> texts{std::string(300, ','), std::string(1500, 'x')};
+    while (texts.size() < 5000) {
+        std::string& text = texts.emplace_back(random() % 12, 0);
+        for (char& c : text) c = "\\\\\\ctrn/q,ab\t\n"[random() % 14];
+    }
+    for (const std::string& text : texts) {
+        ASSERT_EQ(EscapeFault(text, false), "") << text;
+        for (const int direction : {kDecode, kEncode})
+            ASSERT_EQ(SmallBufferFault(text, random() % (2 * text.size() + 2), direction), "") << text;
     }
 }
 
