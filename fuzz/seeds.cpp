@@ -1,37 +1,34 @@
 // SPDX-License-Identifier: MIT
 // Writes the first inputs of every target: fuzz_seeds FOLDER BICYCLE, the second being the example database.
 #include <filesystem>
-#include <fstream>
-#include <iterator>
+#include <vector>
 
 #include "fuzz/package_script.h"
-#include "fuzz/support.h"
-
-namespace fs = std::filesystem;
+#include "tests/support/database_files.h"
 
 namespace {
 
-fs::path folder;
+std::string folder, bicycle;
 
 void Write(const std::string& target, const std::string& name, const std::string& bytes) {
-    fs::create_directories(folder / target);
-    std::ofstream(folder / target / name, std::ios::binary) << bytes;
-}
-
-std::string ReadFile(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
+    std::filesystem::create_directories(folder + "/" + target);
+    WriteText(folder + "/" + target + "/" + name, bytes);
 }
 
 std::string Chars(std::initializer_list<int> values) {
-    std::string text;
-    for (const int value : values) text += static_cast<char>(value);
-    return text;
+    return std::string(values.begin(), values.end());
 }
 
 std::string Times(int count, const std::string& text) {
     std::string all;
     for (int i = 0; i < count; ++i) all += text;
+    return all;
+}
+
+/// The kind of an input, then texts that each end with a zero.
+std::string Texts(int kind, const std::vector<std::string>& texts) {
+    std::string all = Chars({kind});
+    for (const std::string& text : texts) all += text + '\0';
     return all;
 }
 
@@ -60,21 +57,15 @@ void WritePackageSeeds() {
                           Chars({base}) + patches[patch] + Chars({kPatchEnd, 0}) + scripts[script]);
 }
 
-void WriteTextSeeds(const fs::path& bicycle) {
-    const std::string schema = ReadFile(bicycle / "kdbmain.txt");
-    Write("schema", "bicycle", Chars({0}) + schema);
+void WriteTextSeeds() {
+    Write("schema", "bicycle", Chars({0}) + ReadText(bicycle + "/kdbmain.txt"));
     Write("schema", "points",
-          Chars({5}) + "\n" + Chars({0}) + "," + Chars({0}) + "." + Chars({0}) + "#" + Chars({0}) + " " + Chars({0}) +
-              "1, a\n1.1.1, b # c\n\n1.2, skip\n1.2.1, d\n1, e");
-    Write("schema", "numbers",
-          Chars({1}) + ";" + Chars({0}) + " " + Chars({0}) + "LEVELNO" + Chars({0, 0, 0}) +
-              "0 a;1 b;2 c;9 d;300 e;2 f;x g;1 stop;0 i");
-    Write("schema", "root",
-          Chars({1}) + ";" + Chars({0}) + " " + Chars({0}) + "ROOT." + Chars({0, 0, 0}) + "1 a;1 b;1.1 c;" +
-              Times(300, "."));
+          Texts(5, {"\n", ",", ".", "#", " ", "1, a\n1.1.1, b # c\n\n1.2, skip\n1.2.1, d\n1, e"}));
+    Write("schema", "numbers", Texts(1, {";", " ", "LEVELNO", "", "", "0 a;1 b;2 c;9 d;300 e;2 f;x g;1 stop;0 i"}));
+    Write("schema", "root", Texts(1, {";", " ", "ROOT.", "", "", "1 a;1 b;1.1 c;" + Times(300, ".")}));
     Write("table", "items",
-          Chars({0, 4, 0}) + Chars({5, 0, 6, 1, 3}) + "1\x1f" + Chars({7, 0, 2, 1, 1, 2, 1, 0}) + "\x1e" +
-              ReadFile(bicycle / "bitm.txt"));
+          Chars({0, 4, 0, 5, 0, 6, 1, 3}) + "1\x1f" + Chars({7, 0, 2, 1, 1, 2, 1, 0}) + "\x1e" +
+              ReadText(bicycle + "/bitm.txt"));
     const std::string calls = Chars({5, 0, 5, 1, 0}) + "7,x\\cy,\x1f" +
                               Chars({6, 1, 1, 'X', 0x1f, 2, 3, 2, 4, 1, 2, 2}) +
                               Chars({1, 'q', 0x1f, 7, 2, 0, 1, 1, 9, 5, 8, 1, 0, 9, 9, 2, 3, 0});
@@ -83,14 +74,14 @@ void WriteTextSeeds(const fs::path& bicycle) {
           Chars({0, 1, 1}) + Times(9, Chars({5, 1, 6, 2, 0, 1, 1, 4, 3})) + "\x1e" + Times(40, ",a\n,B\n"));
     Write("escape", "path", Chars({0, 9, 0}) + "C:\\temp\\a/b,c\td\r\n");
     Write("escape", "codes", Chars({4, 99, 0}) + "a\\c\\t\\r\\n\\/\\\\b\\q");
-    Write("escape", "rules", Chars({1, '%', '|', '=', 64, 0, 1}) + "lt=<|gt=>|x=yz" + Chars({0}) + "a<b>%yz");
+    Write("escape", "rules", Chars({1, '%', '|', '=', 64, 0}) + Texts(1, {"lt=<|gt=>|x=yz", "a<b>%yz"}));
 }
 
-void WriteDatabaseSeeds(const fs::path& bicycle) {
+void WriteDatabaseSeeds() {
     std::string files, short_files;
     for (const char* name :
          {"kdbmain.txt", "bitm.txt", "bbom.txt", "bdwg.txt", "bitdwg.txt", "bcapp.txt", "bitcap.txt"}) {
-        const std::string contents = ReadFile(bicycle / name);
+        const std::string contents = ReadText(bicycle + "/" + name);
         files += contents + "\x1e";
         short_files += (name[0] == 'k' ? contents : contents.substr(0, 90)) + "\x1e";
     }
@@ -99,12 +90,10 @@ void WriteDatabaseSeeds(const fs::path& bicycle) {
         "1.1, field, NID\r\n1.1, field, NPID\r\n1.1, field, NCID\r\n1, ini\r\n"
         "1.1, separator, COMMA\r\n1.1, root, a\r\n\x1e"
         "1,a\r\n2,b\r\n\x1e"
-        "1,1,2\r\n\x1e";
-    for (int kind = 0; kind < 2; ++kind) {
-        Write("database", "bicycle-" + std::to_string(kind), Chars({kind}) + files);
-        Write("database", "short-" + std::to_string(kind), Chars({kind}) + short_files);
-        Write("database", "least-" + std::to_string(kind), Chars({kind}) + least + Times(5, "\x1e"));
-    }
+        "1,1,2\r\n\x1e\x1e\x1e\x1e\x1e\x1e";
+    for (const auto& [name, bytes] : Files{{"bicycle", files}, {"short", short_files}, {"least", least}})
+        for (int kind = 0; kind < 2; ++kind)
+            Write("database", name + "-" + std::to_string(kind), Chars({kind}) + bytes);
 }
 
 }  // namespace
@@ -112,8 +101,9 @@ void WriteDatabaseSeeds(const fs::path& bicycle) {
 int main(int argc, char** argv) {
     if (argc != 3) return 2;
     folder = argv[1];
+    bicycle = argv[2];
     WritePackageSeeds();
-    WriteTextSeeds(argv[2]);
-    WriteDatabaseSeeds(argv[2]);
+    WriteTextSeeds();
+    WriteDatabaseSeeds();
     return 0;
 }

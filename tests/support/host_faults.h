@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Doubles for the library's host calls and allocations, bound in front of the real ones at link time: they make the
-// n-th call fail, record what is written to host files, and count what is held. One program links them: fault_tests.
+// n-th call fail, record what is written to host files, and count what is held. fault_tests and the fuzz targets link
+// them.
 #pragma once
 
 #include <cstddef>
