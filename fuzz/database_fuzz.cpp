@@ -100,6 +100,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Require(PutFiles(path, TakeFiles(input), kind & 1 ? Place::package : Place::directory));
     if (kind & 1) Damage(input, path);
     Use(Database(), path, kind & 2);
+    Require(vlt_package_close(1) == 0);  // the database has closed its package
     vlt_package_close_all();
     ResetHost();
     return 0;
