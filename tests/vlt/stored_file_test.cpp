@@ -1,0 +1,157 @@
+// SPDX-License-Identifier: MIT
+// Stored files: refusals, names, slots, positions and stamps.
+#include "tests/support/store_fixture.h"
+
+namespace {
+
+class StoredFile : public BothNames {
+protected:
+    void SetUp() override { Create(0, GetParam()); }
+};
+INSTANTIATE_BOTH_NAMES(StoredFile);
+
+TEST_P(StoredFile, IsRefusedWithTheCodeOfTheReason) {
+    Write("a", 10);
+    const std::int32_t read_only = Open({.read_only = 1});
+    EXPECT_EQ(VLT_FILE_REQUEST, OpenError(package, "a", 3));
+    EXPECT_EQ(VLT_FILE_REQUEST, OpenError(-1, "a", VLT_MODE_READ));
+    EXPECT_EQ(VLT_FILE_REQUEST, OpenError(package, "a", VLT_MODE_APPEND, {.truncate = true}));
+    EXPECT_EQ(VLT_FILE_ACCESS, OpenError(read_only, "new", VLT_MODE_APPEND));
+    EXPECT_EQ(VLT_FILE_NOT_FOUND, OpenError(package, "new", VLT_MODE_READ));
+    const std::uint32_t writer = OpenFor("a", VLT_MODE_WRITE);
+    EXPECT_EQ(VLT_FILE_OK, OpenError(read_only, "A", VLT_MODE_READ));
+    EXPECT_EQ(VLT_FILE_ACCESS, OpenError(read_only, "A", VLT_MODE_READ, {.exclusive = true}));
+    EXPECT_EQ(VLT_FILE_ACCESS, OpenError(Open(), "A", VLT_MODE_APPEND));
+    EXPECT_EQ(0, Delete(read_only, "a"));
+    EXPECT_EQ(1, vlt_file_close(writer));
+    EXPECT_TRUE(Intact("a", 10));
+}
+
+TEST_P(StoredFile, HasALongestName) {
+    const std::string longest(VLT_NAME_MAX, 'n'), longer = longest + "n";
+    Write(longest, 10);
+    EXPECT_EQ(VLT_FILE_NOT_FOUND, OpenError(package, longer, VLT_MODE_WRITE));
+    EXPECT_EQ(VLT_FILE_NOT_FOUND, OpenError(package, longer, VLT_MODE_READ));
+    EXPECT_EQ(0, Delete(package, longer));
+    EXPECT_EQ(0, SetTime(package, longer, 1, 1, 1));
+    Reopen();
+    EXPECT_TRUE(Intact(longest, 10));
+    FileInfo info;
+    EXPECT_EQ(0, GetInfo(package, longer, &info));
+    EXPECT_EQ(std::vector{longest}, List());
+}
+
+class OneWidth : public StoreTest {};
+
+struct Name {
+    const char *given, *found_as, *not_as;
+};
+
+TEST_F(OneWidth, NamesAreFoundWithoutRegardToTheCaseOfAToZ) {
+    const Name names[] = {{"Report.TXT", "rEPORT.txt", "Report.TXT "},
+                          {"", "", " "},
+                          {" a/b\\c:*?", " A/B\\C:*?", "a/b\\c:*?"},
+                          {"@[`{", "@[`{", "`{@["},
+                          {"\xC4\xE4\x81\x40", "\xC4\xE4\x81\x40", "\xE4\xC4\x81\x40"},
+                          {"[z]", "[Z]", "{z}"}};
+    std::vector<std::string> as_made;
+    Create();
+    for (const Name& name : names) {
+        Write(name.given, 10);
+        as_made.push_back(name.given);
+        for (int i = 0; i < 2; ++i, Reopen()) {
+            FileInfo info;
+            EXPECT_EQ(1, GetInfo(package, name.found_as, &info)) << name.given;
+            EXPECT_EQ(0, GetInfo(package, name.not_as, &info)) << name.given;
+        }
+    }
+    EXPECT_EQ(as_made, List());
+}
+
+TEST_F(OneWidth, WideNamesKeepAllSixteenBits) {
+    Create(0, Names::wide);
+    const vlt_wchar made[] = {0x4E2D, 'A', 0x0130, 0xD83D, 0xDE00, 0};
+    EXPECT_GT(vltw_file_open(package, made, VLT_MODE_WRITE, 0, 0, nullptr), 0);
+    const auto found = [&](const WideName& name) {
+        return vltw_file_get_info(package, name.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr);
+    };
+    EXPECT_EQ(1, found({0x4E2D, 'a', 0x0130, 0xD83D, 0xDE00}));
+    EXPECT_EQ(0, found({0x4E2D, 'a', 0x0131, 0xD83D, 0xDE00}));
+    EXPECT_EQ(0, found({0x2D, 'A', 0x30, 0x3D}));
+    vlt_wchar name[VLT_NAME_MAX + 1];
+    EXPECT_EQ(1, vltw_package_enum(package, 0, name, nullptr, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(WideName(made), WideName(name));
+}
+
+TEST_F(OneWidth, AHandleHas65535SlotsForOpenFiles) {
+    Create();
+    Write("a", 10);
+    const auto number = [&](int slot) { return static_cast<std::uint32_t>(package << 16 | slot); };
+    for (int slot = 1; slot <= 65535; ++slot) ASSERT_EQ(number(slot), OpenFor("a", VLT_MODE_READ));
+    EXPECT_EQ(VLT_FILE_NO_SLOT, OpenError(package, "a", VLT_MODE_READ));
+    EXPECT_EQ(VLT_FILE_NO_SLOT, OpenError(package, "new", VLT_MODE_WRITE));
+    EXPECT_EQ(nullptr, Image().Find("new"));
+    EXPECT_EQ(Pattern("a", 10), ReadFrom(number(1), 99));
+    for (const int slot : {65535, 5, 3, 3}) EXPECT_EQ(1, vlt_file_close(number(slot)));
+    for (const int slot : {3, 5, 65535}) EXPECT_EQ(number(slot), OpenFor("a", VLT_MODE_READ));
+    EXPECT_EQ(0, Delete(package, "a"));
+    const std::int32_t share = Open();
+    EXPECT_EQ(1, vlt_package_close(package));
+    EXPECT_EQ(1, Delete(share, "a")) << "closing the handle closed its files";
+}
+
+TEST_P(StoredFile, TakesAnyPositionBeyondItForItsEnd) {
+    Write("a", 5000);
+    const std::uint32_t file = OpenFor("a", VLT_MODE_APPEND);
+    for (const std::int64_t asked : std::initializer_list<std::int64_t>{-1, INT64_MIN, 5000, 5001, INT64_MAX}) {
+        EXPECT_EQ(1, vlt_file_set_pos_bof(file));
+        EXPECT_EQ(0, PositionOf(file) + vlt_file_is_eof(file));
+        EXPECT_EQ(1, vlt_file_set_pos(file, asked));
+        EXPECT_EQ(5000, PositionOf(file)) << asked;
+    }
+    EXPECT_TRUE(WriteTo(file, {1, 2, 3}));
+    EXPECT_EQ(1, vlt_file_set_pos(file, 4999));
+    EXPECT_EQ(0, vlt_file_is_eof(file));
+    EXPECT_FALSE(WriteTo(file, {9})) << "below the end that the file had when it was opened";
+    EXPECT_EQ(1u, ReadFrom(file, 1).size());
+    EXPECT_TRUE(WriteTo(file, {4}));
+    EXPECT_EQ(1, vlt_file_set_pos_eof(file));
+    EXPECT_EQ(5003, PositionOf(file));
+    EXPECT_EQ(1, vlt_file_is_eof(file));
+}
+
+TEST_P(StoredFile, IsStampedByReadingAndWriting) {
+    const double before = StampNow();
+    Write("a", 10);
+    EXPECT_LE(before, Info("a").created);
+    EXPECT_GE(StampNow(), Info("a").written);
+    const std::uint32_t file = OpenFor("a", VLT_MODE_WRITE);
+    for (const bool writes : {false, true}) {
+        EXPECT_EQ(1, SetTime(package, "a", 1, 2, 3));
+        EXPECT_EQ(1, vlt_file_set_pos(file, 5));
+        EXPECT_EQ(2, Info("a").accessed) << "positions stamp nothing";
+        EXPECT_TRUE(writes ? WriteTo(file, {1}) : ReadFrom(file, 1).size() == 1);
+        const FileInfo info = Info("a");
+        EXPECT_TRUE(info.created == 1 && info.accessed >= before);
+        EXPECT_EQ(writes ? info.accessed : 3, info.written);
+    }
+}
+
+TEST_P(StoredFile, KeepsTheStampOfReadingInMemoryWhenTheBaseIsReadOnly) {
+    Write("a", 10);
+    EXPECT_EQ(1, SetTime(package, "a", 1, 2, 3));
+    vlt_package_close_all();
+    const Bytes host = ReadHostFile(path);
+    package = Open({.read_only = 1});
+    const std::int32_t share = Open();
+    EXPECT_TRUE(Intact("a", 10));
+    EXPECT_LT(2, Info("a").accessed);
+    EXPECT_EQ(VLT_FILE_OK, OpenError(share, "a", VLT_MODE_WRITE));
+    EXPECT_EQ(host, ReadHostFile(path));
+    EXPECT_EQ(1, vlt_package_close(package));
+    package = share;  // now the base, and it may write
+    EXPECT_TRUE(Intact("a", 10));
+    EXPECT_LT(2, Image().entries[0].accessed);
+}
+
+}  // namespace
