@@ -26,7 +26,7 @@ protected:
     }
     void TearDown() override { EXPECT_EQ(before_, ReadHostFile(path)); }
 
-    /// A package handle and a name are refused; a null one only where there must be a name.
+    /// A handle with a name is refused; where the name is the reason, the listing that needs none is not.
     template <typename Char>
     void RefusesNames(std::int32_t handle, const Char* name, std::uint32_t open_error) {
         const auto [open, get_info, set_time, remove, enumerate] = FunctionsFor(name);
@@ -39,7 +39,8 @@ protected:
         EXPECT_EQ(FileInfo{}, info);
         EXPECT_EQ(0, set_time(handle, name, 1, 2, 3));
         EXPECT_EQ(0, remove(handle, name));
-        EXPECT_EQ(name ? 0 : 1, enumerate(handle, 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
+        EXPECT_EQ(open_error == VLT_FILE_NOT_FOUND,
+                  enumerate(handle, 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
     }
 
     /// What the functions on open files answer, in turn.
@@ -62,8 +63,12 @@ INSTANTIATE_BOTH_NAMES(BadInput);
 TEST_P(BadInput, PackageHandlesAndNamesAreRefused) {
     const bool wide = GetParam() == Names::wide;
     const vlt_wchar wide_name[] = {'a', 0};
-    RefusesNames(package, wide ? nullptr : wide_name, wide ? VLT_FILE_NOT_FOUND : VLT_FILE_REQUEST);
-    RefusesNames(package, wide ? "a" : nullptr, wide ? VLT_FILE_REQUEST : VLT_FILE_NOT_FOUND);
+    const std::string longer(VLT_NAME_MAX + 1, 'n');
+    const WideName wide_longer = Widen(longer);
+    for (const char* name : {longer.c_str(), wide ? "a" : nullptr})
+        RefusesNames(package, name, wide ? VLT_FILE_REQUEST : VLT_FILE_NOT_FOUND);
+    for (const vlt_wchar* name : {wide_longer.c_str(), wide ? nullptr : wide_name})
+        RefusesNames(package, name, wide ? VLT_FILE_NOT_FOUND : VLT_FILE_REQUEST);
     const std::int32_t closed = Open();
     vlt_package_close(closed);
     for (const std::int32_t handle : {0, -1, closed, 64, 65, 0x10000 + package, INT32_MAX, INT32_MIN}) {
@@ -85,17 +90,12 @@ TEST_P(BadInput, FileHandlesAreRefusedAsFarAsAFileIsNeeded) {
         EXPECT_EQ(none, Answers(file)) << file;
     EXPECT_EQ(no_file, Answers(closed));
     EXPECT_EQ(no_file, Answers(open + 2)) << "never opened";
-    std::uint8_t byte = 7;
     for (const std::uint32_t file : {0u, closed, open}) {
         EXPECT_EQ(0, vlt_file_get_pos(file, nullptr));
-        EXPECT_EQ(0,
-                  vlt_file_read(file, nullptr, 5) + vlt_file_read(file, &byte, 0) + vlt_file_read(file, &byte, -5));
+        EXPECT_EQ(0, vlt_file_read(file, nullptr, 5));
         EXPECT_EQ(1, vlt_file_write(file, nullptr, 5)) << "nothing to write";
-        EXPECT_EQ(1, vlt_file_write(file, &byte, 0));
-        EXPECT_EQ(1, vlt_file_write(file, &byte, INT32_MIN));
     }
     EXPECT_EQ(0, PositionOf(open));
-    EXPECT_EQ(7, byte);
 }
 
 TEST(Memory, OfTheLibraryIsTakenAndGivenBack) {
