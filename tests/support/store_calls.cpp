@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/store_calls.h"
 
+#include <cstring>
 #include <ctime>
 
 namespace {
@@ -40,8 +41,11 @@ std::int32_t Delete(std::int32_t package, const std::string& name) {
 }
 
 std::int32_t Enumerate(std::int32_t package, std::int32_t cursor, FileInfo* info) {
-    vlt_wchar wide[VLT_NAME_MAX + 1] = {};
-    char narrow[VLT_NAME_MAX + 1] = {};
+    char narrow[VLT_NAME_MAX + 1];
+    vlt_wchar wide[VLT_NAME_MAX + 1];
+    std::memset(narrow, 'x', sizeof narrow);
+    std::memset(wide, 'x', sizeof wide);
+    wide[0] = narrow[0] = 0;  // nothing else ends a name but what is written
     const std::int32_t next = vlt_package_is_unicode_files(package) == 1
                                   ? vltw_package_enum(package, cursor, wide, &info->kind, &info->size, &info->created,
                                                       &info->accessed, &info->written)

@@ -44,9 +44,9 @@ TEST_F(OneWidth, WideNamesKeepAllSixteenBits) {
     EXPECT_EQ(1, found({0x4E2D, 'a', 0x0130, 0xD83D, 0xDE00}));
     EXPECT_EQ(0, found({0x4E2D, 'a', 0x0131, 0xD83D, 0xDE00}));
     EXPECT_EQ(0, found({0x2D, 'A', 0x30, 0x3D}));
-    vlt_wchar name[VLT_NAME_MAX + 1];
-    EXPECT_EQ(1, vltw_package_enum(package, 0, name, nullptr, nullptr, nullptr, nullptr, nullptr));
-    EXPECT_EQ(WideName(made), WideName(name));
+    WideName name(VLT_NAME_MAX + 1, 'x');
+    EXPECT_EQ(1, vltw_package_enum(package, 0, name.data(), nullptr, nullptr, nullptr, nullptr, nullptr));
+    EXPECT_EQ(WideName(made), name.c_str());
 }
 
 TEST_F(OneWidth, AHandleHas65535SlotsForOpenFiles) {
