@@ -1,12 +1,15 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/store_calls.h"
 
+#include <cstring>
 #include <ctime>
 
 namespace {
 
-bool IsWide(std::int32_t package) {
-    return vlt_package_is_unicode_files(package) == 1;
+template <typename Narrow, typename Wide, typename... Rest>
+std::int32_t CallTwin(Narrow narrow, Wide wide, std::int32_t package, const std::string& name, Rest... rest) {
+    return vlt_package_is_unicode_files(package) == 1 ? wide(package, Widen(name).c_str(), rest...)
+                                                      : narrow(package, name.c_str(), rest...);
 }
 
 }  // namespace
@@ -14,8 +17,7 @@ bool IsWide(std::int32_t package) {
 std::uint32_t OpenFile(std::int32_t package, const std::string& name, std::uint32_t mode, OpenHow how,
                        std::uint32_t* error) {
     return static_cast<std::uint32_t>(
-        IsWide(package) ? vltw_file_open(package, Widen(name).c_str(), mode, how.exclusive, how.truncate, error)
-                        : vlt_file_open(package, name.c_str(), mode, how.exclusive, how.truncate, error));
+        CallTwin(vlt_file_open, vltw_file_open, package, name, mode, how.exclusive, how.truncate, error));
 }
 
 std::uint32_t OpenError(std::int32_t package, const std::string& name, std::uint32_t mode, OpenHow how) {
@@ -26,32 +28,31 @@ std::uint32_t OpenError(std::int32_t package, const std::string& name, std::uint
 }
 
 std::int32_t GetInfo(std::int32_t package, const std::string& name, FileInfo* info) {
-    return IsWide(package) ? vltw_file_get_info(package, Widen(name).c_str(), &info->kind, &info->size,
-                                                &info->created, &info->accessed, &info->written)
-                           : vlt_file_get_info(package, name.c_str(), &info->kind, &info->size, &info->created,
-                                               &info->accessed, &info->written);
+    return CallTwin(vlt_file_get_info, vltw_file_get_info, package, name, &info->kind, &info->size, &info->created,
+                    &info->accessed, &info->written);
 }
 
 std::int32_t SetTime(std::int32_t package, const std::string& name, double created, double accessed, double written) {
-    return IsWide(package) ? vltw_file_set_time(package, Widen(name).c_str(), created, accessed, written)
-                           : vlt_file_set_time(package, name.c_str(), created, accessed, written);
+    return CallTwin(vlt_file_set_time, vltw_file_set_time, package, name, created, accessed, written);
 }
 
 std::int32_t Delete(std::int32_t package, const std::string& name) {
-    return IsWide(package) ? vltw_file_delete(package, Widen(name).c_str()) : vlt_file_delete(package, name.c_str());
+    return CallTwin(vlt_file_delete, vltw_file_delete, package, name);
 }
 
 std::int32_t Enumerate(std::int32_t package, std::int32_t cursor, FileInfo* info) {
-    vlt_wchar wide[VLT_NAME_MAX + 1] = {};
-    char narrow[VLT_NAME_MAX + 1] = {};
-    const bool is_wide = IsWide(package);
-    const std::int32_t next = is_wide ? vltw_package_enum(package, cursor, wide, &info->kind, &info->size,
-                                                          &info->created, &info->accessed, &info->written)
-                                      : vlt_package_enum(package, cursor, narrow, &info->kind, &info->size,
-                                                         &info->created, &info->accessed, &info->written);
-    info->name.clear();
-    for (int i = 0; is_wide ? wide[i] != 0 : narrow[i] != 0; ++i)
-        info->name += is_wide ? static_cast<char>(wide[i]) : narrow[i];
+    char narrow[VLT_NAME_MAX + 1];
+    vlt_wchar wide[VLT_NAME_MAX + 1];
+    std::memset(narrow, 'x', sizeof narrow);
+    std::memset(wide, 'x', sizeof wide);
+    wide[0] = narrow[0] = 0;  // nothing else ends a name but what is written
+    const std::int32_t next = vlt_package_is_unicode_files(package) == 1
+                                  ? vltw_package_enum(package, cursor, wide, &info->kind, &info->size, &info->created,
+                                                      &info->accessed, &info->written)
+                                  : vlt_package_enum(package, cursor, narrow, &info->kind, &info->size,
+                                                     &info->created, &info->accessed, &info->written);
+    const WideName wide_name = wide;
+    info->name = wide_name.empty() ? narrow : std::string(wide_name.begin(), wide_name.end());
     return next;
 }
 

@@ -7,9 +7,6 @@
 #include "tests/support/store_calls.h"
 
 enum class Names { narrow, wide };
-inline void PrintTo(Names names, std::ostream* out) {
-    *out << (names == Names::wide ? "wide" : "narrow");
-}
 
 /// How a package is opened.
 struct Opening {
@@ -19,6 +16,7 @@ struct Opening {
     const char* write_credential = nullptr;
     bool read_only_file = false;
     std::int64_t offset = 0;
+    const char* at = nullptr;  // another path than the scratch package's
 };
 
 class StoreTest : public ::testing::Test {
@@ -32,14 +30,14 @@ protected:
     /// Closes all handles and opens `package` again.
     void Reopen();
     /// Opens the scratch package, once more if it is open already.
-    std::int32_t Open(Opening how = {});
+    std::int32_t Open(Opening how = {}, std::int32_t* error = nullptr);
     /// The code of an opening that must fail.
     std::int32_t OpenErrorOf(Opening how);
 
     /// Makes the file, or empties it, and writes it whole through `package`.
-    void Write(const std::string& name, const Bytes& bytes);
+    void Write(const std::string& name, const Bytes& bytes) { Put(name, bytes, VLT_MODE_WRITE, {.truncate = true}); }
     void Write(const std::string& name, std::size_t length) { Write(name, Pattern(name, length)); }
-    void Append(const std::string& name, const Bytes& bytes);
+    void Append(const std::string& name, const Bytes& bytes) { Put(name, bytes, VLT_MODE_APPEND, {}); }
     Bytes Read(const std::string& name);
     /// Whether a file holds what `Write(name, length)` wrote.
     bool Intact(const std::string& name, std::size_t length) { return Read(name) == Pattern(name, length); }
@@ -47,18 +45,12 @@ protected:
         return OpenFile(package, name, mode, how);
     }
     FileInfo Info(const std::string& name);
+    /// The names of the stored files, in the order of the directory.
+    std::vector<std::string> List();
 
     // The bytes of the host file, past the library.
     PackageImage Image() const { return PackageImage(ReadHostFile(path), base); }
     std::vector<int> ChainOf(const std::string& name) const { return Image().ChainOf(name); }
-    std::uint32_t Word(int block) const { return Image().Word(block); }
-
-    // Patches of the host file; the package must not be open.
-    void SetHostBytes(std::size_t offset, const Bytes& bytes);
-    void SetByte(std::size_t offset, std::uint8_t value) { SetHostBytes(offset, {value}); }
-    void SetWord(int block, std::uint32_t word);
-    /// Sets `size` bytes of a field of a directory entry.
-    void SetField(int entry, std::size_t field, std::uint64_t value, int size);
 
     /// The package is damaged on purpose, and its bytes are not checked in the end.
     void Damaged() { check_ = false; }
@@ -69,6 +61,8 @@ protected:
     Leniency leniency;
 
 private:
+    void Put(const std::string& name, const Bytes& bytes, std::uint32_t mode, OpenHow how);
+
     bool check_ = true;
 };
 
@@ -77,4 +71,4 @@ class BothNames : public StoreTest, public ::testing::WithParamInterface<Names> 
 
 #define INSTANTIATE_BOTH_NAMES(suite)                                                \
     INSTANTIATE_TEST_SUITE_P(, suite, ::testing::Values(Names::narrow, Names::wide), \
-                             ::testing::PrintToStringParamName())
+                             [](const auto& test) { return test.param == Names::wide ? "wide" : "narrow"; })
