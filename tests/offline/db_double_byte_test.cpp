@@ -56,9 +56,8 @@ TEST_F(DoubleByte, ATrailByteEndsNoNameOfAStoredFileAndNoSeparatorOfASchema) {
     ASSERT_EQ(KOfflineDb_Load(db, Put(Changed(files, "bitm.txt", "", items), Place::package).c_str()), 1);
     EXPECT_EQ(KOfflineDb_CheckPackageFileExist(db, ("docs\\" + name).c_str()), 1);
     EXPECT_EQ(db->root_nid, 1);
-    KOfflineTable* table = KOfflineDb_GetTable_BITM(db);
-    EXPECT_STREQ(KOfflineTable_GetFldValue(table, 0, KOfflineDb_GetFld_BITM_CCODE(db)), BAR_TRAIL);
-    EXPECT_STREQ(KOfflineTable_GetFldValue(table, 0, KOfflineDb_GetFld_BITM_CNAME(db)), "name" BACKSLASH_TRAIL);
+    EXPECT_EQ(ValuesOf(KOfflineDb_GetTable_BITM(db), "CCODE"), BAR_TRAIL);
+    EXPECT_EQ(ValuesOf(KOfflineDb_GetTable_BITM(db), "CNAME"), "name" BACKSLASH_TRAIL);
     ASSERT_EQ(KOfflineDb_Save(db), 1);
     files = Stored(db, "");
     EXPECT_EQ(files["bitm.txt"], "1|\t" BAR_TRAIL "|\tname" BACKSLASH_TRAIL "|\t\r\n");

@@ -158,3 +158,14 @@ std::string FieldNames(KOfflineTable* table) {
     }
     return names;
 }
+
+std::string ValuesOf(KOfflineTable* table, const char* field) {
+    std::string values;
+    const std::int32_t number = KOfflineTable_GetFldIndex(table, field);
+    for (std::int32_t rec = 0; rec < KOfflineTable_GetRecsCount(table); ++rec) {
+        const char* value = KOfflineTable_GetFldValue(table, rec, number);
+        if (rec) values += ' ';
+        values += value ? value : "-";
+    }
+    return values;
+}

@@ -70,3 +70,6 @@ private:
 
 /// The names of a table's fields, joined by blanks.
 std::string FieldNames(KOfflineTable* table);
+
+/// The values of a field in record order, joined by blanks; "-" for none.
+std::string ValuesOf(KOfflineTable* table, const char* field);
