@@ -41,16 +41,6 @@ TEST(Text, NumbersStayAtTheEndsOfTheirRange) {
     EXPECT_EQ(text_to_int("-99999999999999999999999999"), INT_MIN);
 }
 
-TEST(Text, SplitCommaTakesTheItemsOfALineOneByOne) {
-    std::string line = " a b\t, c,,";
-    std::string items;
-    for (char* rest = line.data(); rest;) items += std::string("[") + KText_SplitComma(rest, &rest) + "]";
-    EXPECT_EQ(items, "[a b][c][][]");
-    char* rest = line.data();
-    EXPECT_EQ(KText_SplitComma(nullptr, &rest), nullptr);
-    EXPECT_EQ(rest, line.data());
-}
-
 TEST(Text, FindingSomethingAbsentOrNothingGivesNone) {
     const char* text = "a--b";
     EXPECT_EQ(KText_FindChar(text, '-'), text + 1);

@@ -11,26 +11,30 @@ std::string Lines(const std::vector<std::string>& lines) {
     return text;
 }
 
+Files Changed(Files files, const std::string& name, const std::string& from, const std::string& to) {
+    std::string& text = files[name];
+    text.replace(text.find(from), from.empty() ? text.npos : from.size(), to);
+    return files;
+}
+
+/// Declares tables with their fields, and TAB as the separator.
+static std::string Schema(const std::vector<std::pair<std::string, std::vector<std::string>>>& tables) {
+    std::string text;
+    for (const auto& [table, fields] : tables) {
+        text += "1, table, " + table + "\r\n";
+        for (const std::string& field : fields) text += "1.1, field, " + field + "\r\n";
+    }
+    return text + Lines({"1, ini", "1.1, separator, TAB"});
+}
+
 Files SmallDatabase() {
     return {
-        {"kdbmain.txt", Lines({"1, table, bitm",         "1.1, field, NID",
-                               "1.1, field, CCODE",      "1.1, field, CNAME",
-                               "1.1, field, CSRC",       "1, table, bbom",
-                               "1.1, field, NID",        "1.1, field, NPID",
-                               "1.1, field, NCID",       "1.1, field, FCOUNT",
-                               "1, table, bdwg",         "1.1, field, NID",
-                               "1.1, field, CCODE",      "1.1, field, CFILE",
-                               "1.1, field, CSRC",       "1.1, field, CASM",
-                               "1.1, field, COFLNMODI",  "1.1, field, NOFLNITMID",
-                               "1, table, bitdwg",       "1.1, field, NID",
-                               "1.1, field, NPID",       "1.1, field, NCID",
-                               "1, table, bcapp",        "1.1, field, NID",
-                               "1.1, field, CCODE",      "1.1, field, CFILE",
-                               "1.1, field, CSRC",       "1.1, field, COFLNMODI",
-                               "1.1, field, NOFLNITMID", "1, table, bitcap",
-                               "1.1, field, NID",        "1.1, field, NPID",
-                               "1.1, field, NCID",       "1, ini",
-                               "1.1, separator, TAB"})},
+        {"kdbmain.txt", Schema({{"bitm", {"NID", "CCODE", "CNAME", "CSRC"}},
+                                {"bbom", {"NID", "NPID", "NCID", "FCOUNT"}},
+                                {"bdwg", {"NID", "CCODE", "CFILE", "CSRC", "CASM", "COFLNMODI", "NOFLNITMID"}},
+                                {"bitdwg", {"NID", "NPID", "NCID"}},
+                                {"bcapp", {"NID", "CCODE", "CFILE", "CSRC", "COFLNMODI", "NOFLNITMID"}},
+                                {"bitcap", {"NID", "NPID", "NCID"}}})},
         {"bitm.txt", Lines({"1\tBIKE\tBicycle\tmade", "2\tFRAME\tFrame\tmade", "3\tWHEEL\tWheel\tmade",
                             "4\tBELL\tBell\tbought"})},
         {"bbom.txt", Lines({"1\t1\t2\t1", "2\t1\t3\t2"})},
@@ -42,18 +46,15 @@ Files SmallDatabase() {
 }
 
 Files MinimalDatabase() {
-    return {{"kdbmain.txt",
-             Lines({"1, table, bitm", "1.1, field, NID", "1.1, field, CCODE", "1, table, bbom", "1.1, field, NID",
-                    "1.1, field, NPID", "1.1, field, NCID", "1, ini", "1.1, separator, TAB"})},
+    return {{"kdbmain.txt", Schema({{"bitm", {"NID", "CCODE"}}, {"bbom", {"NID", "NPID", "NCID"}}})},
             {"bitm.txt", ""},
             {"bbom.txt", ""}};
 }
 
 DatabaseTest::DatabaseTest() {
     const testing::TestInfo& test = *testing::UnitTest::GetInstance()->current_test_info();
-    std::string name = std::string(test.test_suite_name()) + "." + test.name();
-    for (char& c : name) c = c == '/' ? '_' : c;
-    folder_ = name;
+    folder_ = std::string(test.test_suite_name()) + "." + test.name();
+    for (char& c : folder_) c = c == '/' ? '_' : c;
     fs::remove_all(folder_);
     fs::create_directories(folder_);
 }
@@ -76,7 +77,7 @@ bool DatabaseTest::Exists(const std::string& name) const {
 }
 
 void DatabaseTest::Remove(const std::string& name) const {
-    fs::remove(At(name));
+    fs::remove_all(At(name));
 }
 
 void DatabaseTest::MakeDirectory(const std::string& name) const {

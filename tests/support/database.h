@@ -13,6 +13,9 @@
 /// The lines, each ended by CR LF.
 std::string Lines(const std::vector<std::string>& lines);
 
+/// The files with a text replaced in the file `name`, or all of that file for an empty text.
+Files Changed(Files files, const std::string& name, const std::string& from, const std::string& to);
+
 /// A schema with every well-known field, separator TAB and no root; data files with a few records.
 Files SmallDatabase();
 
@@ -31,7 +34,7 @@ protected:
     void Write(const std::string& name, const std::string& contents) const;
     std::string Read(const std::string& name) const;
     bool Exists(const std::string& name) const;
-    void Remove(const std::string& name) const;
+    void Remove(const std::string& name) const;  ///< a directory with all in it
     void MakeDirectory(const std::string& name) const;
 
     /// Puts the files where they can be loaded from, and returns the path of that.
