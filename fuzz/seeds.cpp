@@ -77,13 +77,13 @@ void WriteTextSeeds(const fs::path& bicycle) {
     const std::string change = Chars({0, 0, 0, 0}) + "7,x\\cy,\x1f" + Chars({2, 2, 0, 2}) + "Q\x1f" +
                                Chars({18, 1, 0, 2, 0x1f, 0xfc, 1, 0, 3, 0x1f, 1, 2, 0, 0, 0x1f, 3, 1, 0, 0, 0x1f});
     const std::string reshape = Chars({6, 2, 0, 0}) + "41\x1f" + Chars({7, 0, 0, 4, 0x1f, 9, 0, 0, 0, 0x1f});
-    Write("table", "items", Chars({0, 4, 0}) + ReadFile(bicycle / "bitm.txt") + "\x1e" + index + find + reshape);
+    Write("table", "items", Chars({0, 5, 0}) + ReadFile(bicycle / "bitm.txt") + "\x1e" + index + find + reshape);
     Write("table", "small",
-          Chars({0, 2, 1}) + "1,a,b\r\n,A , c\\n\n2,,// d\r3,z,a,b,c\r\n//\n4\x1e" + index + change + find + reshape +
+          Chars({0, 3, 1}) + "1,a,b\r\n,A , c\\n\n2,,// d\r3,z,a,b,c\r\n//\n4\x1e" + index + change + find + reshape +
               Chars({8, 0, 0, 0, 0x1f}));
     Write("table", "ties",
-          Chars({0, 1, 1}) + Times(40, ",a\n,B\n") + "\x1e" + Times(9, index + find + Chars({3, 4, 0, 0, 0x1f})));
-    Write("table", "double", Chars({1, 2, 3}) + "1|a\x81||\x81\\t|\\t\x1e" + change + find + reshape);
+          Chars({0, 2, 1}) + Times(40, ",a\n,B\n") + "\x1e" + Times(9, index + find + Chars({3, 4, 0, 0, 0x1f})));
+    Write("table", "double", Chars({1, 3, 3}) + "1|a\x81||\x81\\t|\\t\x1e" + change + find + reshape);
     Write("escape", "path", Chars({0, 9, 0}) + "C:\\temp\\a/b,c\td\r\n");
     Write("escape", "codes", Chars({4, 99, 0}) + "a\\c\\t\\r\\n\\/\\\\b\\q");
     Write("escape", "rules", Chars({1, '%', '|', '=', 64, 0, 1}) + "lt=<|gt=>|x=yz" + Chars({0}) + "a<b>%yz");

@@ -15,6 +15,7 @@ constexpr int kNoTies = 1000000;  // so many different values that hardly any tw
 
 struct Mixture {
     const char* name;
+    char shape;                            // 4: a NID and three other fields; 10: four without NID
     int records;                           // added before anything else
     int steps;                             // after that
     int distinct;                          // values to choose from
@@ -22,13 +23,15 @@ struct Mixture {
 };
 
 const Mixture kMixtures[] = {
-    {"everything", 40, 3000, 30, {300, 100, 300, 300, 100, 600, 20, 1, 1, 20}},
-    {"small", 0, 2000, 20, {300, 100, 300, 400, 100, 600, 20, 1, 5, 20}},
-    {"ties", 300, 1500, 4, {200, 100, 100, 400, 100, 600, 10, 0, 0, 5}},
-    {"no ties", 300, 1500, kNoTies, {400, 0, 0, 200, 100, 600, 0, 0, 0, 5}},
-    {"mostly searches", 700, 2500, 900, {10, 0, 10, 10, 10, 3000, 0, 0, 0, 5}},
-    {"searches without ties", 700, 2500, kNoTies, {10, 0, 0, 10, 10, 3000, 0, 0, 0, 0}},
-    {"many additions a search", 500, 2000, kNoTies, {600, 0, 0, 90, 10, 30, 0, 0, 0, 0}},
+    {"everything", 4, 40, 3000, 30, {300, 100, 300, 300, 100, 600, 20, 1, 1, 20}},
+    {"small", 4, 0, 2000, 20, {300, 100, 300, 400, 100, 600, 20, 1, 5, 20}},
+    {"ties", 4, 300, 1500, 4, {200, 100, 100, 400, 100, 600, 10, 0, 0, 5}},
+    {"no ties", 4, 300, 1500, kNoTies, {400, 0, 0, 200, 100, 600, 0, 0, 0, 5}},
+    {"mostly searches", 4, 700, 2500, 900, {10, 0, 10, 10, 10, 3000, 0, 0, 0, 5}},
+    {"searches without ties", 4, 700, 2500, kNoTies, {10, 0, 0, 10, 10, 3000, 0, 0, 0, 0}},
+    {"no field", 0, 10, 1000, 30, {300, 100, 300, 300, 100, 600, 20, 5, 1, 20}},
+    {"no NID", 10, 40, 1000, 30, {300, 100, 300, 300, 100, 600, 20, 1, 1, 20}},
+    {"many additions a search", 4, 500, 2000, kNoTies, {600, 0, 0, 90, 10, 30, 0, 0, 0, 0}},
 };
 
 int Below(int limit, Random& random) {
@@ -72,7 +75,7 @@ TEST_F(DatabaseTest, ARandomTableIsWhatTheReferenceSays) {
     for (const Mixture& mix : kMixtures) {
         Random random(static_cast<unsigned>(mix.steps + mix.distinct));
         std::discrete_distribution<int> next(mix.weights.begin(), mix.weights.end());
-        std::string script{3, 0, '\x1e'};
+        std::string script{mix.shape, 0, '\x1e'};
         for (int i = 0; i < mix.records + mix.steps; ++i)
             script += Call(i < mix.records ? kAdd : next(random), mix.distinct, random);
         const Input input(reinterpret_cast<const std::uint8_t*>(script.data()), script.size());

@@ -123,7 +123,7 @@ private:
 std::string RunTableScript(Input input, const std::string& path, TableReader reader, bool double_bytes) {
     const int shape = input.Byte();
     TableScript script(path, reader, kSeparators[input.Byte() % std::size(kSeparators)], double_bytes);
-    for (int field = 0; field <= shape % 5; ++field) script.AddField(field + shape / 8);
+    for (int field = 0; field < shape % 6; ++field) script.AddField(field + shape / 6);
     WriteText(path, input.Text('\x1e').substr(0, kLongestFile));
     if (!script.Read()) return "the data file";
     int calls = 0;
