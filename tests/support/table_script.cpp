@@ -62,8 +62,7 @@ public:
             case kFind:
                 return Search(field, text, copy, record);
             case kNid:
-                return KOfflineTable_SetRecNID(&table_, record, ReferenceTable::Number(copy)) ==
-                       expected_.SetRecNID(record, ReferenceTable::Number(copy));
+                return SetNid(record, ReferenceTable::Number(copy));
             case kField:
                 return AddField(name);
             case kClear:
@@ -93,6 +92,12 @@ public:
     }
 
 private:
+    /// What is no number stands for the one that the numbering has come to.
+    bool SetNid(int record, int number) {
+        const int nid = number < 0 ? expected_.nid_watermark : number;
+        return KOfflineTable_SetRecNID(&table_, record, nid) == expected_.SetRecNID(record, nid);
+    }
+
     bool Search(int field, const char* key, const std::string& copy, int capacity) {
         ReferenceTable::Records first;
         const int result = expected_.Search(field, copy, &first);
