@@ -82,7 +82,8 @@ void WriteTextSeeds(const fs::path& bicycle) {
           Chars({0, 3, 1}) + "1,a,b\r\n,A , c\\n\n2,,// d\r3,z,a,b,c\r\n//\n4\x1e" + index + change + find + reshape +
               Chars({8, 0, 0, 0, 0x1f}));
     Write("table", "ties",
-          Chars({0, 2, 1}) + Times(40, ",a\n,B\n") + "\x1e" + Times(9, index + find + Chars({3, 4, 0, 0, 0x1f})));
+          Chars({0, 2, 1}) + Times(40, ",a\n,B\n") + "\x1e" + index +
+              Times(3, Times(5, find) + Chars({3, 4, 0, 0, 0x1f})));
     Write("table", "double", Chars({1, 3, 3}) + "1|a\x81||\x81\\t|\\t\x1e" + change + find + reshape);
     Write("escape", "path", Chars({0, 9, 0}) + "C:\\temp\\a/b,c\td\r\n");
     Write("escape", "codes", Chars({4, 99, 0}) + "a\\c\\t\\r\\n\\/\\\\b\\q");
