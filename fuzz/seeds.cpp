@@ -63,15 +63,19 @@ void WriteTextSeeds() {
           Texts(5, {"\n", ",", ".", "#", " ", "1, a\n1.1.1, b # c\n\n1.2, skip\n1.2.1, d\n1, e"}));
     Write("schema", "numbers", Texts(1, {";", " ", "LEVELNO", "", "", "0 a;1 b;2 c;9 d;300 e;2 f;x g;1 stop;0 i"}));
     Write("schema", "root", Texts(1, {";", " ", "ROOT.", "", "", "1 a;1 b;1.1 c;" + Times(300, ".")}));
-    Write("table", "items",
-          Chars({0, 4, 0, 5, 0, 6, 1, 3}) + "1\x1f" + Chars({7, 0, 2, 1, 1, 2, 1, 0}) + "\x1e" +
-              ReadText(bicycle + "/bitm.txt"));
-    const std::string calls = Chars({5, 0, 5, 1, 0}) + "7,x\\cy,\x1f" +
-                              Chars({6, 1, 1, 'X', 0x1f, 2, 3, 2, 4, 1, 2, 2}) +
-                              Chars({1, 'q', 0x1f, 7, 2, 0, 1, 1, 9, 5, 8, 1, 0, 9, 9, 2, 3, 0});
-    Write("table", "small", Chars({0, 2, 1}) + calls + "\x1e" + "1,a,b\r\n,A , c\\n\n2,,// d\r3,z,a,b,c\r\n//\n4");
+    const std::string find = Chars({5, 0, 0, 1}) + "1\x1f" + Chars({21, 3, 0, 2, 0x1f});
+    const std::string index = Chars({4, 0, 0, 0, 0x1f, 4, 0, 0, 1, 0x1f});
+    const std::string change = Chars({0, 0, 0, 0}) + "7,x\\cy,\x1f" + Chars({2, 2, 0, 2}) + "Q\x1f" +
+                               Chars({18, 1, 0, 2, 0x1f, 0xfc, 1, 0, 3, 0x1f, 1, 2, 0, 0, 0x1f, 3, 1, 0, 0, 0x1f});
+    const std::string reshape = Chars({6, 2, 0, 0}) + "41\x1f" + Chars({7, 0, 0, 4, 0x1f, 9, 0, 0, 0, 0x1f});
+    Write("table", "items", Chars({0, 5, 0}) + ReadText(bicycle + "/bitm.txt") + "\x1e" + index + find + reshape);
+    Write("table", "small",
+          Chars({0, 3, 1}) + "1,a,b\r\n,A , c\\n\n2,,// d\r3,z,a,b,c\r\n//\n4\x1e" + index + change + find + reshape +
+              Chars({8, 0, 0, 0, 0x1f}));
     Write("table", "ties",
-          Chars({0, 1, 1}) + Times(9, Chars({5, 1, 6, 2, 0, 1, 1, 4, 3})) + "\x1e" + Times(40, ",a\n,B\n"));
+          Chars({0, 2, 1}) + Times(40, ",a\n,B\n") + "\x1e" + index +
+              Times(3, Times(5, find) + Chars({3, 4, 0, 0, 0x1f})));
+    Write("table", "double", Chars({1, 3, 3}) + "1|a\x81||\x81\\t|\\t\x1e" + change + find + reshape);
     Write("escape", "path", Chars({0, 9, 0}) + "C:\\temp\\a/b,c\td\r\n");
     Write("escape", "codes", Chars({4, 99, 0}) + "a\\c\\t\\r\\n\\/\\\\b\\q");
     Write("escape", "rules", Chars({1, '%', '|', '=', 64, 0}) + Texts(1, {"lt=<|gt=>|x=yz", "a<b>%yz"}));

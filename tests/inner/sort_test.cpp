@@ -32,65 +32,41 @@ std::vector<RankedItem> Items(const Numbers& ranks) {
 
 /// The order in which the sort leaves elements with these keys, as their former positions.
 Numbers SortedPositions(const std::string& keys) {
+    const auto exchange = [](void* left, void* right, std::int32_t width, void* exchanges) {
+        ++*static_cast<int*>(exchanges);
+        std::swap_ranges(static_cast<char*>(left), static_cast<char*>(left) + width, static_cast<char*>(right));
+    };
+    int exchanges = 0;
     std::vector<RankedItem> items = Items(Numbers(keys.begin(), keys.end()));
-    KArray_Sort(items.data(), static_cast<int>(items.size()), sizeof(RankedItem), CompareRanks, nullptr, nullptr);
-    Numbers positions;
-    for (const RankedItem item : items) positions.push_back(static_cast<std::uint32_t>(item));
-    return positions;
+    KArray_Sort(items.data(), static_cast<int>(items.size()), sizeof(RankedItem), CompareRanks, exchange, &exchanges);
+    EXPECT_GT(exchanges, 0);
+    return Numbers(items.begin(), items.end());
 }
 
 TEST(Sort, TheOrderOfEqualElementsIsFixed) {
     EXPECT_EQ(SortedPositions(std::string(8, 'A')), (Numbers{1, 2, 3, 4, 5, 6, 7, 0}));
     EXPECT_EQ(SortedPositions(std::string(9, 'A')), (Numbers{4, 1, 2, 3, 0, 5, 6, 7, 8}));
     EXPECT_EQ(SortedPositions("BABABABABAC"), (Numbers{5, 1, 3, 7, 9, 2, 0, 8, 4, 6, 10}));
+    KArray_Sort(nullptr, 1, 1, nullptr, nullptr, nullptr);
+    KArray_Sort(nullptr, 5, 0, nullptr, nullptr, nullptr);
 }
 
-TEST(Sort, CallsTheExchangeProcedureWithItsContext) {
-    struct Context {
-        int exchanges;
-    } context{0};
-    const auto compare = [](const void* left, const void* right, void*) {
-        return *static_cast<const char*>(left) - *static_cast<const char*>(right);
-    };
-    const auto exchange = [](void* left, void* right, std::int32_t width, void* counted) {
-        ++static_cast<Context*>(counted)->exchanges;
-        std::swap_ranges(static_cast<char*>(left), static_cast<char*>(left) + width, static_cast<char*>(right));
-    };
-    std::string text = "sorting needs no memory of its own";
-    std::string expected = text;
-    std::sort(expected.begin(), expected.end());
-    KArray_Sort(text.data(), static_cast<int>(text.size()), 1, compare, exchange, &context);
-    EXPECT_EQ(text, expected);
-    EXPECT_GT(context.exchanges, 10);
-    KArray_Sort(text.data(), 1, 1, nullptr, nullptr, nullptr);
-    KArray_Sort(text.data(), 5, 0, nullptr, nullptr, nullptr);
+int CompareChars(const void* left, const void* right, void*) {
+    return *static_cast<const char*>(left) - *static_cast<const char*>(right);
 }
 
 TEST(Sort, SearchFindsTheWholeRangeOfEqualElements) {
-    const auto compare = [](const void* key, const void* element, void*) {
-        return *static_cast<const char*>(key) - *static_cast<const char*>(element);
-    };
-    const auto range = [&](std::string keys, char key) {
-        void* first;
-        void* last;
-        const int found =
-            KArray_SearchRange(&key, keys.data(), static_cast<int>(keys.size()), 1, &first, &last, compare, nullptr);
-        EXPECT_EQ(found == 0, first == nullptr);
-        EXPECT_EQ(found == 0, last == nullptr);
-        if (!found) return std::pair(-1, -1);
-        return std::pair(int(static_cast<char*>(first) - keys.data()), int(static_cast<char*>(last) - keys.data()));
-    };
-    EXPECT_EQ(range("ABBBC", 'B'), std::pair(1, 3));
-    EXPECT_EQ(range("ABBBC", 'D'), std::pair(-1, -1));
-    EXPECT_EQ(range("", 'A'), std::pair(-1, -1));
-    for (int size = 1; size < 40; ++size) {
-        std::string keys(static_cast<std::size_t>(size), 0);
-        for (int i = 0; i < size; ++i) keys[static_cast<std::size_t>(i)] = static_cast<char>('A' + i / 3 * 2);
+    for (int size = 0; size < 40; ++size) {
+        std::string keys;
+        for (int i = 0; i < size; ++i) keys += static_cast<char>('A' + i / 3 * 2);
         for (char key = '@'; key < 'z'; ++key) {
-            const auto [low, high] = std::equal_range(keys.begin(), keys.end(), key);
-            const auto expected =
-                low == high ? std::pair(-1, -1) : std::pair(int(low - keys.begin()), int(high - keys.begin()) - 1);
-            ASSERT_EQ(range(keys, key), expected) << size << key;
+            void* first = nullptr;
+            void* last = nullptr;
+            const int found = KArray_SearchRange(&key, keys.data(), size, 1, &first, &last, CompareChars, nullptr);
+            const auto [low, high] = std::equal_range(keys.data(), keys.data() + size, key);
+            ASSERT_EQ(found, low != high) << size << key;
+            ASSERT_EQ(first, found ? low : nullptr) << size << key;
+            ASSERT_EQ(last, found ? high - 1 : nullptr) << size << key;
         }
     }
 }
@@ -112,19 +88,28 @@ const Pattern kPatterns[] = {
     {"valley", [](auto at, auto size, auto&) { return std::max(at, size - 1 - at); }},
 };
 
-/// Replaces values by their dense ranks; returns how many items are below each rank.
-Numbers MakeRanks(Numbers* values) {
-    Numbers distinct = *values;
-    std::sort(distinct.begin(), distinct.end());
-    distinct.erase(std::unique(distinct.begin(), distinct.end()), distinct.end());
-    Numbers before(distinct.size() + 1);
-    for (std::uint32_t& value : *values) {
-        value = std::uint32_t(std::lower_bound(distinct.begin(), distinct.end(), value) - distinct.begin());
-        ++before[value + 1];
+/// Items in the order of a pattern, with dense ranks.
+struct Ranked {
+    Ranked(const Pattern& pattern, std::uint32_t size, std::uint32_t distinct, std::mt19937& random) {
+        Numbers ranks;
+        for (std::uint32_t i = 0; i < size; ++i)
+            ranks.push_back(std::uint32_t(std::uint64_t{pattern.value(i, size, random)} * distinct / size));
+        Numbers sorted = ranks;
+        std::sort(sorted.begin(), sorted.end());
+        sorted.erase(std::unique(sorted.begin(), sorted.end()), sorted.end());
+        before.resize(sorted.size() + 1);
+        for (std::uint32_t& rank : ranks) {
+            rank = std::uint32_t(std::lower_bound(sorted.begin(), sorted.end(), rank) - sorted.begin());
+            ++before[rank + 1];
+        }
+        std::partial_sum(before.begin(), before.end(), before.begin());
+        items = Items(ranks);
     }
-    std::partial_sum(before.begin(), before.end(), before.begin());
-    return before;
-}
+    void Sort() { rank_sort(items.data(), items.size(), before.data(), std::uint32_t(before.size() - 1)); }
+
+    std::vector<RankedItem> items;
+    Numbers before;  ///< how many items are below each rank
+};
 
 TEST(Sort, SortingRanksLeavesEveryElementWhereThePlainSortDoes) {
     std::mt19937 random(1);
@@ -133,16 +118,11 @@ TEST(Sort, SortingRanksLeavesEveryElementWhereThePlainSortDoes) {
         const auto size = std::uint32_t(large ? 9000 : 1 + random() % (round % 40 ? 60 : 1500));
         const auto distinct = large ? size / 2 : std::uint32_t(1 + random() % (1 + random() % size));
         const Pattern& pattern = kPatterns[round % std::size(kPatterns)];
-        Numbers ranks;
-        for (std::uint32_t i = 0; i < size; ++i) {
-            ranks.push_back(std::uint32_t(std::uint64_t{pattern.value(i, size, random)} * distinct / size));
-        }
-        const Numbers before = MakeRanks(&ranks);
-        std::vector<RankedItem> plain = Items(ranks);
-        std::vector<RankedItem> fast = plain;
+        Ranked fast(pattern, size, distinct, random);
+        std::vector<RankedItem> plain = fast.items;
         KArray_Sort(plain.data(), int(size), sizeof(RankedItem), CompareRanks, nullptr, nullptr);
-        rank_sort(fast.data(), size, before.data(), std::uint32_t(before.size() - 1));
-        ASSERT_EQ(fast, plain) << pattern.name << " size " << size << " distinct " << before.size() - 1;
+        fast.Sort();
+        ASSERT_EQ(fast.items, plain) << pattern.name << " size " << size << " distinct " << distinct;
     }
 }
 
@@ -151,16 +131,9 @@ TEST(Sort, NoPatternTakesLong) {
     std::mt19937 random(1);
     for (const std::uint32_t distinct : {1u, 2u, 3u, 1000u, kSize / 2}) {
         for (const Pattern& pattern : kPatterns) {
-            Numbers ranks;
-            for (std::uint32_t i = 0; i < kSize; ++i) {
-                ranks.push_back(std::uint32_t(std::uint64_t{pattern.value(i, kSize, random)} * distinct / kSize));
-            }
-            const Numbers before = MakeRanks(&ranks);
-            std::vector<RankedItem> items = Items(ranks);
-            rank_sort(items.data(), kSize, before.data(), std::uint32_t(before.size() - 1));
-            EXPECT_TRUE(std::is_sorted(items.begin(), items.end(), [](RankedItem a, RankedItem b) {
-                return rank_of(a) < rank_of(b);
-            })) << pattern.name;
+            Ranked ranked(pattern, kSize, distinct, random);
+            ranked.Sort();
+            EXPECT_TRUE(std::ranges::is_sorted(ranked.items, {}, rank_of)) << pattern.name;
         }
     }
 }
@@ -184,7 +157,6 @@ TEST(Sort, ASearchKeyIsMadeOfTheTextAlone) {
         std::string value = text + std::string(1, 0) + "margin..";
         const SearchKey key(text.c_str());
         EXPECT_EQ(key.first(), folded_key(value.c_str())) << length;
-        EXPECT_TRUE(key.equals(value.c_str())) << length;
         value[0] = static_cast<char>(std::tolower(value[0]));
         EXPECT_TRUE(key.equals(value.c_str())) << length;
         for (std::size_t i = 0; i <= length; ++i) {
