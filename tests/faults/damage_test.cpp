@@ -145,30 +145,27 @@ Model Intact(const PackageState& state, const PackageImage& good, const PackageI
 /// What an operation on a file changed that is not the file's: blocks of others, their words and entries, the header
 /// fields. Empty when there is nothing.
 std::string Strays(const PackageImage& before, const PackageImage& after, const std::string& name) {
+    std::string strays;
+    const auto compare = [&](const char* what, int number, const Bytes& was, const Bytes& is, int size) {
+        const auto at = std::ptrdiff_t{number} * size;
+        if (!std::equal(was.begin() + at, was.begin() + at + size, is.begin() + at))
+            strays += what + std::to_string(number) + ";";
+    };
     std::set<int> own(before.header_chain.begin(), before.header_chain.end());
     own.insert(before.directory_chain.begin(), before.directory_chain.end());
-    const auto is_its_own = [&](const ImageEntry& entry) {
-        return entry.used() && std::equal(entry.name.begin(), entry.name.end(), name.begin(), name.end());
-    };
     for (const ImageEntry& entry : before.entries) {
+        if (!entry.used()) continue;
         const std::vector<int> chain = before.Chain(entry.start());
-        if (is_its_own(entry)) own.insert(chain.begin(), chain.end());
+        if (std::equal(entry.name.begin(), entry.name.end(), name.begin(), name.end()))
+            own.insert(chain.begin(), chain.end());
+        else
+            compare("entry ", entry.index, before.directory, after.directory, before.entry_size);
     }
-    std::string strays;
-    if (!std::equal(before.header.begin(), before.header.begin() + 101, after.header.begin())) strays += "header;";
+    compare("header ", 0, before.header, after.header, 101);
     for (int block = 0; block < before.block_count; ++block) {
         if (own.count(block) || !(before.Word(block) & 0x80000000)) continue;
-        const auto at = static_cast<std::ptrdiff_t>(block) * 4096;
-        if (!std::equal(before.host.begin() + at, before.host.begin() + at + 4096, after.host.begin() + at))
-            strays += "block " + std::to_string(block) + ";";
+        compare("block ", block, before.host, after.host, 4096);
         if (before.Word(block) != after.Word(block)) strays += "word " + std::to_string(block) + ";";
-    }
-    for (const ImageEntry& other : before.entries) {
-        if (!other.used() || is_its_own(other)) continue;
-        const auto at = static_cast<std::ptrdiff_t>(other.index) * before.entry_size;
-        if (!std::equal(before.directory.begin() + at, before.directory.begin() + at + before.entry_size,
-                        after.directory.begin() + at))
-            strays += "entry " + std::to_string(other.index) + ";";
     }
     return strays;
 }

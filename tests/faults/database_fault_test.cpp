@@ -75,69 +75,62 @@ protected:
 
 // ---- Operations --------------------------------------------------------------------------------------------------
 
-struct Paths {
-    std::string database, copy, disk_file;
-};
+std::string data_path, copy_path, disk_path;  // where they lie for the test that runs
 
 using Db = KOfflineDb;
-using At = const Paths&;
 
 struct DbOperation {
     const char* name;
     std::int32_t failure;  // what it returns when it fails; kNever for one that does without what fails
     std::int32_t code;     // the error code then; what only memory can fail is not done again when it has succeeded
-    std::int32_t (*run)(Db* db, At at);
+    std::int32_t (*run)(Db* db);
 };
 
 constexpr std::int32_t kNone = KOFFLINE_ERR_NONE, kMemory = KOFFLINE_ERR_MEMORY, kFile = KOFFLINE_ERR_FILE;
 constexpr std::int32_t kNever = -99;
 const std::string kLong(300, ',');
 
-std::int32_t Load(Db* db, At at) {
+std::int32_t Load(Db* db) {
     KOfflineDb_Reset(db);
-    return KOfflineDb_Load(db, at.database.c_str());
+    return KOfflineDb_Load(db, data_path.c_str());
 }
 
-std::int32_t Refresh(Db* db, At) {
+std::int32_t Refresh(Db* db) {
     EXPECT_EQ(KOfflineTable_SetFldValue(Items(db), 3, 2, "1"), 1);
     return KOfflineTable_Search(Items(db), 2, "1", nullptr, 0);
 }
 
-std::int32_t SearchOften(Db* db, At) {
+std::int32_t SearchOften(Db* db) {
     std::int32_t found = 0;
     for (int i = 0; i < 20; ++i) found += KOfflineTable_Search(Items(db), 2, "2", nullptr, 0);
     return found;
 }
 
-std::int32_t Escape(Db*, At) {
+std::int32_t Escape(Db*) {
     char text[700];
     return KOfflineDb_StrSwap(kLong.c_str(), text, sizeof text, 1);
 }
 
 const DbOperation kDbOperations[] = {
     {"Load", 0, kFile, Load},
-    {"Save", 0, kFile, [](Db* db, At) { return KOfflineDb_Save(db); }},
-    {"SaveAs", 0, kFile, [](Db* db, At at) { return KOfflineDb_SaveAs(db, at.copy.c_str()); }},
-    {"WriteFile", 0, kFile,
-     [](Db* db, At at) { return KOfflineTable_WriteFile(Items(db), at.disk_file.c_str(), "\t"); }},
+    {"Save", 0, kFile, [](Db* db) { return KOfflineDb_Save(db); }},
+    {"SaveAs", 0, kFile, [](Db* db) { return KOfflineDb_SaveAs(db, copy_path.c_str()); }},
+    {"WriteFile", 0, kFile, [](Db* db) { return KOfflineTable_WriteFile(Items(db), disk_path.c_str(), "\t"); }},
     {"GetPackageFile", 0, kNone,
-     [](Db* db, At at) { return KOfflineDb_GetPackageFile(db, "document.txt", at.disk_file.c_str()); }},
-    {"SavePackageFile", 0, kNone,
-     [](Db* db, At at) { return KOfflineDb_SavePackageFile(db, at.disk_file.c_str(), "in.txt"); }},
-    {"CheckPackageFileExist", 0, kNone,
-     [](Db* db, At) { return KOfflineDb_CheckPackageFileExist(db, "document.txt"); }},
-    {"InitUserData", 0, kNone,
-     [](Db* db, At) { return std::int32_t{KOfflineDb_InitUserData(db, 16, 1) != nullptr}; }},
+     [](Db* db) { return KOfflineDb_GetPackageFile(db, "document.txt", disk_path.c_str()); }},
+    {"SavePackageFile", 0, kNone, [](Db* db) { return KOfflineDb_SavePackageFile(db, disk_path.c_str(), "in.txt"); }},
+    {"CheckPackageFileExist", 0, kNone, [](Db* db) { return KOfflineDb_CheckPackageFileExist(db, "document.txt"); }},
+    {"InitUserData", 0, kNone, [](Db* db) { return std::int32_t{KOfflineDb_InitUserData(db, 16, 1) != nullptr}; }},
     {"StrSwap", 0, kNone, Escape},
-    {"AddRec", -1, kMemory, [](Db* db, At) { return KOfflineTable_AddRec(Items(db), "\tX", "\t"); }},
-    {"CopyRec", -1, kMemory, [](Db* db, At) { return KOfflineTable_CopyRec(Items(db), 3); }},
-    {"SetFldValue", 0, kMemory, [](Db* db, At) { return KOfflineTable_SetFldValue(Items(db), 3, 2, kLong.c_str()); }},
-    {"SetRecNID", 0, kMemory, [](Db* db, At) { return KOfflineTable_SetRecNID(Items(db), 3, 1234567890); }},
-    {"AddFld", -1, kMemory, [](Db* db, At) { return KOfflineTable_AddFld(Items(db), "NEW"); }},
-    {"LoadIdx", 0, kMemory, [](Db* db, At) { return KOfflineTable_LoadIdx(Items(db), "CSRC"); }},
-    {"LoadIdxAgain", kNever, kMemory, [](Db* db, At) { return KOfflineTable_LoadIdx(Items(db), "CNAME"); }},
-    {"DelRec", kNever, kMemory, [](Db* db, At) { return KOfflineTable_DelRec(Items(db), 3); }},
-    {"ParseLines", 0, kMemory, [](Db* db, At) { return KOfflineTable_ParseLines(Items(db), "2000\ta\n", "\t"); }},
+    {"AddRec", -1, kMemory, [](Db* db) { return KOfflineTable_AddRec(Items(db), "\tX", "\t"); }},
+    {"CopyRec", -1, kMemory, [](Db* db) { return KOfflineTable_CopyRec(Items(db), 3); }},
+    {"SetFldValue", 0, kMemory, [](Db* db) { return KOfflineTable_SetFldValue(Items(db), 3, 2, kLong.c_str()); }},
+    {"SetRecNID", 0, kMemory, [](Db* db) { return KOfflineTable_SetRecNID(Items(db), 3, 1234567890); }},
+    {"AddFld", -1, kMemory, [](Db* db) { return KOfflineTable_AddFld(Items(db), "NEW"); }},
+    {"LoadIdx", 0, kMemory, [](Db* db) { return KOfflineTable_LoadIdx(Items(db), "CSRC"); }},
+    {"LoadIdxAgain", kNever, kMemory, [](Db* db) { return KOfflineTable_LoadIdx(Items(db), "CNAME"); }},
+    {"DelRec", kNever, kMemory, [](Db* db) { return KOfflineTable_DelRec(Items(db), 3); }},
+    {"ParseLines", 0, kMemory, [](Db* db) { return KOfflineTable_ParseLines(Items(db), "2000\ta\n", "\t"); }},
     {"SearchThatRefreshes", kNever, kMemory, Refresh},
     {"SearchOften", kNever, kMemory, SearchOften},
 };
@@ -165,7 +158,11 @@ std::string Contents(Db* db) {
 class OperationOnADatabase : public DatabaseMeetsFaults,
                              public testing::WithParamInterface<std::tuple<Place, DbOperation>> {
 protected:
-    OperationOnADatabase() { files_["bitm.txt"] = ItemLines(); }
+    OperationOnADatabase() {
+        files_["bitm.txt"] = ItemLines();
+        copy_path = At("copy");
+        disk_path = At("disk file");
+    }
 
     Place place() const { return std::get<Place>(GetParam()); }
     const DbOperation& operation() const { return std::get<DbOperation>(GetParam()); }
@@ -173,9 +170,9 @@ protected:
     void Begin(Db* db) {
         EXPECT_TRUE(DatabaseMeetsFaults::Begin(db, place()));
         EXPECT_EQ(KOfflineTable_LoadIdx(Items(db), "CNAME"), 1);
+        data_path = path_;
         std::memset(KOfflineDb_InitUserData(db, 8, 0), 'u', 8);
     }
-    std::int32_t Run(Db* db) { return operation().run(db, {path_, At("copy"), At("disk file")}); }
 
     Files AllFiles(Db* db) const {
         Files files = Stored(db, db->path);
@@ -197,7 +194,7 @@ protected:
         bool hit;
         {
             const Fault fault = kind.At(nth);
-            result = Run(db);
+            result = operation().run(db);
             hit = fault.hit();
         }
         const bool done = result == expected_;
@@ -210,7 +207,7 @@ protected:
             EXPECT_EQ(KOfflineDb_GetRecByNID_BITM(db, 512), 511);
         }
         if (!done || operation().code != kMemory) {
-            EXPECT_EQ(Run(db), expected_);
+            EXPECT_EQ(operation().run(db), expected_);
         }
         EXPECT_TRUE(Contents(db) == after_);
         EXPECT_TRUE(AllFiles(db) == files_after_);
@@ -235,7 +232,7 @@ TEST_P(OperationOnADatabase, FailsAsDocumentedAndSucceedsAgain) {
     {
         Database db;  // searches would have made the indexes of the other one current
         Begin(db);
-        expected_ = Run(db);
+        expected_ = operation().run(db);
         after_ = Contents(db);
         files_after_ = AllFiles(db);
     }

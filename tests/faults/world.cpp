@@ -6,11 +6,6 @@
 
 namespace {
 
-constexpr int kDrop = -1;
-
-/// Names of files with the bytes that each is given more, or that it is deleted.
-using Steps = std::vector<std::pair<const char*, int>>;
-
 Steps Joined(std::initializer_list<Steps> parts) {
     Steps joined;
     for (const Steps& part : parts) joined.insert(joined.end(), part.begin(), part.end());
@@ -28,15 +23,7 @@ const Steps kWhole = {{"victim", 4096}, {"other", 4097}, {"tiny", 10}, {"victim"
                       {"d", 0},         {"e", 0},        {"f", 0},     {"g", 0},         {"h", 0},
                       {"victim", 4096}, {"d", 3 * 4096}, {"d", kDrop}};
 
-const struct StatePlan {
-    std::string name;
-    bool wide;
-    std::int32_t size_mb;
-    Steps steps;
-    std::int64_t base = 0;
-    bool shared = false;
-    bool longer = false;
-} kPlans[] = {
+PackageState states[] = {
     {"fresh", false, 0, {}},
     {"growing", false, 0, kSmall},
     {"map_full", false, 3, kFull, 0, false, true},
@@ -60,23 +47,22 @@ void KeepBlocksOnly(PackageState& state, const std::string& name) {
     state.files[name].resize(10);
 }
 
-PackageState Make(const StatePlan& plan) {
-    const char* path = "state.pkg";
-    EXPECT_EQ(vlt_package_create(path, plan.wide, plan.size_mb, nullptr, nullptr), 1);
-    PackageState state = {ReadHostFile(path), {}};
-    std::remove(path);
-    World world(state);
-    for (const auto& [name, bytes] : plan.steps)
+void Make(PackageState& state) {
+    EXPECT_EQ(vlt_package_create("state.pkg", state.wide, state.size_mb, nullptr, nullptr), 1);
+    state.host = ReadHostFile("state.pkg");
+    std::remove("state.pkg");
+    const PackageState empty = {"empty", state.wide, 0, {}, 0, false, false, state.host};
+    World world(empty);
+    for (const auto& [name, bytes] : state.steps)
         bytes == kDrop ? world.Drop(state.files, name)
                        : world.Put(state.files, name, static_cast<std::size_t>(bytes));
     world.Close();
     EXPECT_EQ(Faults(world.Image()), "");
-    state = {ReadHostFile(world.path), state.files, plan.base, plan.shared, plan.longer};
-    if (plan.longer) KeepBlocksOnly(state, "filler");
-    if (plan.base == 0) return state;
-    state.host.insert(state.host.begin(), static_cast<std::size_t>(plan.base), 'x');
+    state.host = ReadHostFile(world.path);
+    if (state.longer) KeepBlocksOnly(state, "filler");
+    if (state.base == 0) return;
+    state.host.insert(state.host.begin(), static_cast<std::size_t>(state.base), 'x');
     state.host.insert(state.host.end(), 1000, 'x');  // and a part of a block at the end
-    return state;
 }
 
 }  // namespace
@@ -87,10 +73,10 @@ std::optional<Bytes> Find(const Model& files, const std::string& name) {
 }
 
 const PackageState& StateNamed(const std::string& name) {
-    static std::map<std::string, PackageState> made;
-    const auto plan = std::find_if(std::begin(kPlans), std::end(kPlans), [&](auto& of) { return of.name == name; });
-    if (!made.count(name)) made[name] = Make(*plan);
-    return made[name];
+    PackageState* state = states;
+    while (state->name != name) ++state;
+    if (state->host.empty()) Make(*state);
+    return *state;
 }
 
 World::World(const PackageState& of, std::int32_t* error) : state(of) {
@@ -251,9 +237,7 @@ std::optional<Bytes> Operation::Applied(std::optional<Bytes> file) const {
 }
 
 const Operation& OperationNamed(const std::string& name) {
-    for (const Operation& operation : kOperations)
-        if (operation.name == name) return operation;
-    std::abort();
+    return *std::find_if(kOperations.begin(), kOperations.end(), [&](auto& one) { return one.name == name; });
 }
 
 Model After(const Operation& operation, Model files) {

@@ -18,12 +18,21 @@ using Model = std::map<std::string, Bytes>;
 
 std::optional<Bytes> Find(const Model& files, const std::string& name);
 
+/// Names of files with the bytes that each is given more, or kDrop for one that is deleted.
+using Steps = std::vector<std::pair<const char*, int>>;
+constexpr int kDrop = -1;
+
+/// How a package is made, and what it is then.
 struct PackageState {
-    Bytes host;
-    Model files;
+    std::string name;
+    bool wide;
+    std::int32_t size_mb;
+    Steps steps;
     std::int64_t base = 0;  // where the package lies in its host file
     bool shared = false;    // used through a second handle, beside a read-only one
     bool longer = false;    // a file has more blocks than its length needs
+    Bytes host = {};
+    Model files = {};
 };
 
 /// Fresh, growing, map_full, directory_full, fragmented, ...; each made once.
