@@ -138,16 +138,18 @@ const DbOperation kDbOperations[] = {
 /// Everything that a database holds in memory. Searches make its indexes current first.
 std::string Contents(Db* db) {
     std::string all = db->path;
+    const auto add = [&](const std::int32_t* records, std::int32_t count) {
+        for (std::int32_t i = 0; records && i < count; ++i) all += std::to_string(records[i]) + " ";
+    };
     for (KOfflineTable& table : db->tables) {
         all += "\n" + FieldNames(&table);
         for (std::int32_t field = 0; field < table.field_count; ++field) {
             all += "\n" + ValuesOf(&table, table.fields[field].field_name) + ":";
-            std::vector<std::int32_t> found(1000);
-            for (const char* key : {"3", "4", "c7", ""})
-                found.back() = KOfflineTable_Search(&table, field, key, found.data(), 999);
-            const std::int32_t* index = KOfflineTable_GetIndexRecs(&table, field);
-            if (index) found.insert(found.end(), index, index + table.record_count);
-            for (const std::int32_t record : found) all += std::to_string(record) + " ";
+            for (const char* key : {"3", "4", "c7", ""}) {
+                std::int32_t found[1000];
+                add(found, KOfflineTable_Search(&table, field, key, found, 1000));
+            }
+            add(KOfflineTable_GetIndexRecs(&table, field), table.record_count);
         }
     }
     std::int32_t size = 0;
