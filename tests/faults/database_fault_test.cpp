@@ -12,10 +12,12 @@
 
 namespace {
 
-/// Items with codes, a field of few different values and one of many; as many as a table has room for.
-std::string ItemLines() {
+constexpr int kFull = 512;  // records that fill what a table has room for
+
+/// Items with codes, a field of few different values and one of many.
+std::string ItemLines(int count) {
     std::string lines;
-    for (int i = 1; i <= 512; ++i) {
+    for (int i = 1; i <= count; ++i) {
         const std::string n = std::to_string(i);
         lines += n + "\tC" + n + "\t" + std::to_string(i % 5) + "\tv" + std::to_string(i * 77 % 1000) + "\r\n";
     }
@@ -161,7 +163,8 @@ class OperationOnADatabase : public DatabaseMeetsFaults,
                              public testing::WithParamInterface<std::tuple<Place, DbOperation>> {
 protected:
     OperationOnADatabase() {
-        files_["bitm.txt"] = ItemLines();
+        files_["bitm.txt"] = ItemLines(kFull);
+        files_["bbom.txt"] = ItemLines(kFull + 20);
         copy_path = At("copy");
         disk_path = At("disk file");
     }
@@ -203,10 +206,11 @@ protected:
         EXPECT_TRUE(done || (hit && result == operation().failure)) << result;
         EXPECT_TRUE(done ? db->error_code == kNone : IsDocumented(db->error_code, kind, db->package))
             << db->error_code;
+        const std::string now = Contents(db);
         if (operation().run != Load) {
-            EXPECT_TRUE(Contents(db) == (done ? after_ : before_));
+            EXPECT_TRUE(now == (done ? after_ : before_));
         } else if (done) {  // a data file that may be missing is taken for missing when it cannot be opened
-            EXPECT_EQ(KOfflineDb_GetRecByNID_BITM(db, 512), 511);
+            EXPECT_EQ(KOfflineDb_GetRecByNID_BITM(db, kFull), kFull - 1);
         }
         if (!done || operation().code != kMemory) {
             EXPECT_EQ(operation().run(db), expected_);
@@ -254,16 +258,16 @@ INSTANTIATE_TEST_SUITE_P(, OperationOnADatabase,
 
 TEST(StaleIndex, ThatCannotGrowIsPassedOverByAScan) {
     Table table({"NID"});
-    for (int i = 0; i < 512; ++i) table.Add(std::to_string(i));  // as many as there is room for
+    for (int i = 0; i < kFull; ++i) table.Add(std::to_string(i));
     KOfflineTable_LoadIdx(table, "NID");
     table.Add("new");
     {
         Fault fault(kFaultMemory, 1);
-        EXPECT_EQ(table.Find("NID", "new"), std::vector<std::int32_t>{512});
+        EXPECT_EQ(table.Find("NID", "new"), std::vector<std::int32_t>{kFull});
         EXPECT_TRUE(fault.hit());
     }
     EXPECT_EQ(table->indexes_stale, 1);
-    EXPECT_EQ(table.Find("NID", "new"), std::vector<std::int32_t>{512});
+    EXPECT_EQ(table.Find("NID", "new"), std::vector<std::int32_t>{kFull});
     EXPECT_EQ(table->indexes_stale, 0);
 }
 
