@@ -92,7 +92,8 @@ using Case = std::tuple<std::string, Operation>;  // state
 class OperationMeetsFaults : public testing::TestWithParam<Case> {};
 
 TEST_P(OperationMeetsFaults, AndFailsAsDocumentedAndSucceedsAgain) {
-    const auto& [state_name, operation] = GetParam();
+    const std::string& state_name = std::get<0>(GetParam());
+    const Operation& operation = std::get<1>(GetParam());
     // That state takes long to make, and differs in nothing but how the package grows.
     if (state_name == "map_full" && (operation.effect != Effect::writes || operation.position > 0)) return;
     const PackageState& state = StateNamed(state_name);
