@@ -32,13 +32,11 @@ protected:
     void PutWords(std::uint32_t first, const std::vector<std::uint32_t>& words) {
         Bytes bytes(words.size() * 4);
         for (std::size_t i = 0; i < words.size(); ++i) StoreAt(bytes, 4 * i, words[i]);
-        for (std::size_t i = 0; i < bytes.size();) {
+        for (std::size_t i = 0, piece; i < bytes.size(); i += piece) {
             const std::int64_t run = 101 + 4 * std::int64_t{first} + static_cast<std::int64_t>(i);
-            const std::int64_t block = run / 4096 + (run >= 4096 ? 1 : 0);
-            const std::size_t piece = std::min(bytes.size() - i, static_cast<std::size_t>(4096 - run % 4096));
+            piece = std::min(bytes.size() - i, static_cast<std::size_t>(4096 - run % 4096));
             const auto at = bytes.begin() + static_cast<std::ptrdiff_t>(i);
-            Put(block * 4096 + run % 4096, Bytes(at, at + static_cast<std::ptrdiff_t>(piece)));
-            i += piece;
+            Put(run + (run >= 4096 ? 4096 : 0), Bytes(at, at + static_cast<std::ptrdiff_t>(piece)));
         }
     }
     /// The header chain and the directory of a package of that many blocks, and its host file's length.

@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
-// The n-th host call fails, the n-th allocation fails: every operation in every state of a package. After each the
-// documented result, the other files as they were, nothing held, a sound package, and success when it is tried again.
+// The n-th host call fails, the n-th allocation fails, the process ends at the n-th change of the host file: every
+// operation in every state of a package. After each the documented result, the other files as they were, nothing
+// held, a sound package, and success when it is tried again or the package is used on.
 #include <cstdio>
 #include <tuple>
 
@@ -8,52 +9,43 @@
 
 namespace {
 
-struct FaultKind {
-    const char* name;
-    unsigned calls;
-    FaultManner manner;
-    bool from_then_on;
-
-    bool of_system() const { return (calls & kFaultSystem) != 0; }
-};
-
-constexpr FaultKind kKinds[] = {
-    {"a host call fails", kFaultHost, FaultManner::cleanly, false},
-    {"host calls fail from then on", kFaultHost, FaultManner::cleanly, true},
-    {"a host call is cut short", kFaultHost, FaultManner::cut_short, false},
-    {"the reply of a host call is lost", kFaultHost, FaultManner::lost_reply, false},
-    {"the disk is full", kFaultWrite + kFaultExtend, FaultManner::cut_short, true},
-    {"memory runs out once", kFaultSystem, FaultManner::cleanly, false},
-    {"memory runs out", kFaultSystem, FaultManner::cleanly, true},
-};
-
-int faults_injected = 0;
-
 /// What may be left of an operation that a host file failed: blocks of nobody, blocks more than a file needs. When
-/// memory runs out, at most the package has grown. The map-full package has a file of too many blocks from the start.
+/// memory runs out, at most the package has grown.
 Leniency LeniencyAfter(const FaultKind& kind, const PackageState& state) {
-    Leniency leniency;
-    leniency.short_header = true;
-    leniency.longer_chains = state.name == "map_full";
-    if (!kind.of_system()) leniency.longer_chains = leniency.leaked_blocks = leniency.unfinished_ends = true;
-    return leniency;
+    if (!kind.of_system()) return kCutOff;
+    return {.longer_chains = state.longer, .leaked_blocks = false, .short_header = true, .unfinished_ends = false};
 }
 
-std::optional<Bytes> TargetIn(const Operation& operation, const Model& files) {
-    const auto found = files.find(operation.target);
-    return found == files.end() ? std::nullopt : std::optional(found->second);
+/// What a failure left is sound, and the target as it may be; the model of it.
+Model ExpectLeft(World& world, const Operation& operation, const FaultKind& kind, Model files) {
+    world.Close();
+    EXPECT_EQ(Faults(world.Image(), LeniencyAfter(kind, world.state)), "");
+    EXPECT_TRUE(world.Open());
+    world.ExpectFiles(files, operation.target);
+    const std::optional<Bytes> now = world.Stored(operation.target), before = Find(files, operation.target);
+    EXPECT_TRUE(kind.of_system() ? now == before : Plausible(operation, before, now)) << "the target is damaged";
+    files.erase(operation.target);
+    if (now) files[operation.target] = *now;
+    return files;
+}
+
+/// What an operation needs open, and the model with it: opening may make the file.
+std::uint32_t Prepare(const World& world, const Operation& operation, Model& files) {
+    const std::uint32_t file = operation.Prepare(world);
+    if (file && !files.count(operation.target)) files[operation.target];
+    return file;
 }
 
 /// The operation once more, without a fault, on a package that it failed on; the model it leads to.
 Model Repeat(World& world, const Operation& operation, std::uint32_t file, const Model& files) {
-    if (operation.name == "delete" && !world.Stored(operation.target)) {
+    if (operation.effect == Effect::deletes && !world.Stored(operation.target)) {
         // Its last step is what failed: the file is gone for this session, and comes back empty in the next.
         world.Close();
         EXPECT_TRUE(world.Open());
         EXPECT_EQ(world.Stored(operation.target).value_or(Bytes()), Bytes());
         if (!world.Stored(operation.target)) return After(operation, files);
     }
-    EXPECT_TRUE(operation.act(world, file)) << "it fails again";
+    EXPECT_TRUE(operation.Act(world, file)) << "it fails again";
     return After(operation, files);
 }
 
@@ -63,117 +55,183 @@ Model ExpectMended(World& world, const Operation& operation, const FaultKind& ki
     if (!world.package()) {
         EXPECT_TRUE(world.Open());
     }
-    world.ExpectFiles(files, operation.target);
-    if (!reopen) {  // another file takes blocks first: it must not get any that the operation left in the host file
-        const std::uint32_t bystander = OpenFile(world.package(), "bystander", VLT_MODE_WRITE);
-        EXPECT_TRUE(WriteTo(bystander, files["bystander"] = Pattern("bystander", 9000)));
-        vlt_file_close(bystander);
-        EXPECT_EQ(Faults(world.Image(), LeniencyAfter(kind, world.state)), "");
+    if (reopen) {
+        files = ExpectLeft(world, operation, kind, files);
+        if (operation.target == "victim" && !files.count("victim")) return files;
+        file = Prepare(world, operation, files);
         return Repeat(world, operation, file, files);
     }
-
-    world.Close();
+    world.ExpectFiles(files, operation.target);
+    world.Put(files, "bystander", 9000);  // it must not get blocks that the operation left in the host file
     EXPECT_EQ(Faults(world.Image(), LeniencyAfter(kind, world.state)), "");
-    EXPECT_TRUE(world.Open());
-    const std::optional<Bytes> now = world.Stored(operation.target), before = TargetIn(operation, files);
-    EXPECT_TRUE(kind.of_system() ? now == before : Plausible(operation, before, now)) << "the target is damaged";
-    if (now) files[operation.target] = *now;
-    if (!now) files.erase(operation.target);
-    if (operation.needs_target && !now) return files;
-    file = operation.prepare(world);
-    if (!operation.target.empty() && world.Stored(operation.target)) files[operation.target];
     return Repeat(world, operation, file, files);
 }
 
 /// One operation, one fault. False when the operation ended before the fault came.
 bool Try(const PackageState& state, const Operation& operation, const FaultKind& kind, int nth, bool reopen) {
-    SCOPED_TRACE(testing::Message() << kind.name << ", call " << nth << (reopen ? ", reopened" : ""));
     World world(state);
     Model files = state.files;
-    const std::uint32_t file = operation.prepare(world);
-    if (!operation.target.empty() && world.Stored(operation.target)) files[operation.target];
+    const std::uint32_t file = Prepare(world, operation, files);
     bool done, hit;
     {
-        Fault fault(kind.calls, nth, kind.manner, kind.from_then_on);
-        done = operation.act(world, file);
+        const Fault fault = kind.At(nth);
+        done = operation.Act(world, file);
         hit = fault.hit();
     }
     EXPECT_EQ(HeldNow().locks, 0);
     EXPECT_TRUE(done || hit) << "it fails without a fault";
     files = done ? After(operation, files) : ExpectMended(world, operation, kind, file, files, reopen);
-    world.ExpectFiles(files);
-    world.Close();
-    EXPECT_EQ(Faults(world.Image(), LeniencyAfter(kind, world.state)), "");
-    EXPECT_TRUE(world.Open());
-    world.ExpectFiles(files);
+    world.ExpectKept(files, LeniencyAfter(kind, state));
     world.Close();
     EXPECT_TRUE(HeldNow() == HeldResources()) << "something is still held";
-    faults_injected += hit;
     return hit;
 }
 
-using Case = std::tuple<std::string, std::string>;  // state, operation
+using Case = std::tuple<std::string, Operation>;  // state
 
-class OperationMeetsFaults : public testing::TestWithParam<Case> {
-protected:
-    static void TearDownTestSuite() { std::printf("%d faults injected\n", faults_injected); }
-};
+class OperationMeetsFaults : public testing::TestWithParam<Case> {};
 
 TEST_P(OperationMeetsFaults, AndFailsAsDocumentedAndSucceedsAgain) {
-    const PackageState& state = StateNamed(std::get<0>(GetParam()));
-    const Operation& operation = OperationNamed(std::get<1>(GetParam()));
-    if (operation.needs_target && !state.files.count("victim")) return;
+    const std::string& state_name = std::get<0>(GetParam());
+    const Operation& operation = std::get<1>(GetParam());
     // That state takes long to make, and differs in nothing but how the package grows.
-    const bool grows = operation.effect && !operation.may_empty && operation.name != "overwrite";
-    if (state.name == "map_full" && !grows) return;
-    for (const FaultKind& kind : kKinds)
-        for (const bool reopen : {false, true})
-            for (int nth = 1; !HasFailure() && Try(state, operation, kind, nth, reopen); ++nth) {
-            }
+    if (state_name == "map_full" && (operation.effect != Effect::writes || operation.position > 0)) return;
+    const PackageState& state = StateNamed(state_name);
+    if (operation.target == "victim" && !state.files.count("victim")) return;
+    for (const bool reopen : {false, true}) {
+        SCOPED_TRACE(reopen ? "reopened" : "");
+        TryFaults(kFaultKinds, "faults injected",
+                  [&](const FaultKind& kind, int nth) { return Try(state, operation, kind, nth, reopen); });
+    }
 }
 
-std::vector<std::string> StateNames() {
-    return {"fresh",      "growing",        "map_full",   "directory_full", "directory_full_wide",
-            "fragmented", "shared_handles", "behind_data"};
-}
-
-std::vector<std::string> OperationNames() {
-    std::vector<std::string> names;
-    for (const Operation& operation : Operations()) names.push_back(operation.name);
-    return names;
-}
+const std::string kStates[] = {"fresh",      "growing",        "map_full",   "directory_full", "directory_full_wide",
+                               "fragmented", "shared_handles", "behind_data"};
 
 INSTANTIATE_TEST_SUITE_P(, OperationMeetsFaults,
-                         testing::Combine(testing::ValuesIn(StateNames()), testing::ValuesIn(OperationNames())),
-                         [](const auto& made) { return std::get<0>(made.param) + "_" + std::get<1>(made.param); });
+                         testing::Combine(testing::ValuesIn(kStates), testing::ValuesIn(kOperations)),
+                         [](const auto& made) {
+                             return std::get<0>(made.param) + "_" + std::get<1>(made.param).name;
+                         });
 
 /// Creation over an existing package: it succeeds, or leaves no file; an existing one only where it was not reached.
 TEST(CreationMeetsFaults, AndLeavesNoFile) {
     const char* path = "created.pkg";
-    for (const FaultKind& kind : kKinds) {
-        for (int nth = 1, hit = 1; hit; ++nth) {
-            SCOPED_TRACE(testing::Message() << kind.name << ", call " << nth);
-            const Bytes old = Pattern("old", 100);
-            WriteHostFile(path, old);
-            bool done;
-            {
-                Fault fault(kind.calls, nth, kind.manner, kind.from_then_on);
-                done = vlt_package_create(path, 1, 5, "r", "w") == 1;
-                hit = fault.hit();
-            }
-            const Bytes left = ReadHostFile(path);
-            EXPECT_TRUE(done ? Faults(PackageImage(left)).empty() : left.empty() || left == old);
-            EXPECT_TRUE(done || hit);
-            EXPECT_TRUE(HeldNow() == HeldResources());
-            faults_injected += hit;
-        }
-    }
+    const Bytes old = Pattern("old", 100);
+    TryFaults(kFaultKinds, "faults injected", [&](const FaultKind& kind, int nth) {
+        WriteHostFile(path, old);
+        const Fault fault = kind.At(nth);
+        const bool done = vlt_package_create(path, 1, 5, "r", "w") == 1;
+        const Bytes left = ReadHostFile(path);
+        EXPECT_TRUE(done ? Faults(PackageImage(left)).empty() : left.empty() || left == old);
+        EXPECT_TRUE(done || fault.hit());
+        EXPECT_TRUE(HeldNow() == HeldResources());
+        return fault.hit();
+    });
     std::remove(path);
 }
 
 TEST(MemoryForCallers, IsRefusedWhenItRunsOut) {
     Fault fault(kFaultMemory, 1);
     EXPECT_EQ(vlt_alloc_mem(10), nullptr);
+}
+
+// ---- The process ends --------------------------------------------------------------------------------------------
+
+/// Uses a package on after it was cut off: appends to the file that was being changed, fills what is free and grows,
+/// deletes, and fills again.
+void UseOn(World& world, const Operation& operation, Model files) {
+    if (files.count(operation.target)) world.Put(files, operation.target, 9000);
+    const PackageImage image = world.Image();
+    world.Put(files, "later", static_cast<std::size_t>(image.block_count - image.UsedBlocks() + 3) * 4096, true);
+    if (files.count("other")) world.Drop(files, "other");
+    world.Put(files, "last", 20000, true);
+    world.ExpectKept(files, kCutOff);
+}
+
+/// Ends the process at a change of the host file, and uses on what is left of the package. False when the operation
+/// ended before; then `after` is the state it leads to.
+bool CutOffAt(const PackageState& before, PackageState& after, const Operation& operation, const FaultKind& kind,
+              int nth) {
+    World world(before);
+    bool hit;
+    {
+        const Fault fault = kind.At(nth);
+        const bool done = operation.Act(world, operation.Prepare(world));
+        world.Close();
+        hit = fault.hit();
+        EXPECT_TRUE(done || hit) << "it fails without a fault";
+    }
+    if (!hit) {
+        after.host = ReadHostFile(world.path);
+        after.files = After(operation, before.files);
+    }
+    const Model left = ExpectLeft(world, operation, kind, before.files);
+    EXPECT_TRUE(hit || left == after.files);
+    if (!testing::Test::HasFailure()) UseOn(world, operation, left);
+    return hit;
+}
+
+struct Scenario {
+    std::string state;
+    std::vector<const char*> operations;
+};
+
+void PrintTo(const Scenario& scenario, std::ostream* out) {
+    *out << scenario.state;
+}
+
+const Scenario kScenarios[] = {
+    {"fresh", {"make_file", "first_write", "first_write"}},
+    {"growing", {"append_little", "first_write", "overwrite", "truncate", "append_much", "set_time", "delete"}},
+    {"map_full", {"append_little", "delete", "append_much"}},
+    {"directory_full", {"make_file", "append_little", "first_write", "delete", "first_write", "truncate"}},
+    {"directory_full_wide", {"first_write", "append_much", "delete", "first_write"}},
+    {"fragmented", {"append_much", "truncate", "append_little", "first_write", "delete"}},
+    {"shared_handles", {"append_much", "delete", "first_write"}},
+    {"behind_data", {"append_little", "make_file", "delete", "first_write"}},
+};
+
+class CutOff : public testing::TestWithParam<Scenario> {};
+
+TEST_P(CutOff, LeavesAPackageThatCanBeUsedOn) {
+    PackageState state = StateNamed(GetParam().state);
+    for (const char* name : GetParam().operations) {
+        SCOPED_TRACE(name);
+        const PackageState before = state;
+        TryFaults(kEnds, "prefixes opened", [&](const FaultKind& kind, int nth) {
+            return CutOffAt(before, state, OperationNamed(name), kind, nth);
+        });
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(, CutOff, testing::ValuesIn(kScenarios), [](const auto& made) { return made.param.state; });
+
+/// A number of which only some bytes were written can name a block of another file: beyond the stored bytes of a
+/// file, or as the first block of an empty one.
+TEST(NumberWrittenInPart, TiesNoTwoFilesTogether) {
+    const PackageState& whole = StateNamed("fragmented");
+    const PackageImage image(whole.host);
+    const std::vector<int> victim = image.ChainOf("victim"), other = image.ChainOf("other");
+    PackageState by_link = whole, by_entry = whole;
+    StoreAt(by_link.host, 101 + 4 * static_cast<std::size_t>(victim.back()),
+            0x80000000u | static_cast<std::uint32_t>(other[2] + 1));
+    StoreAt(by_entry.host, 4096 + 1, static_cast<std::uint32_t>(other[0] + 1));
+    StoreAt(by_entry.host, 4096 + 5, std::uint64_t{0});
+    by_entry.files["victim"].clear();
+    ASSERT_EQ(image.Find("victim")->index, 0);
+    for (const PackageState& state : {by_link, by_entry}) {
+        for (const char* name : {"append_little", "truncate", "delete"}) {
+            SCOPED_TRACE(name);
+            World world(state);
+            const Operation& operation = OperationNamed(name);
+            EXPECT_TRUE(operation.Act(world, operation.Prepare(world)));
+            EXPECT_EQ(Faults(world.Image(), kCutOff), "");
+            Model files = After(operation, state.files);
+            world.Put(files, "new", 40 * 4096);
+            world.ExpectFiles(files);
+        }
+    }
 }
 
 }  // namespace

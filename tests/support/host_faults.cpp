@@ -1,7 +1,6 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/host_faults.h"
 
-#include <algorithm>
 #include <atomic>
 
 #include "base/heap.h"
@@ -11,15 +10,13 @@
 
 namespace {
 
-// Faults and recordings belong to tests of one thread; the counters are also kept while many run.
+// Faults belong to tests of one thread; the counters are also kept while many run.
 std::atomic<bool> armed{false};
 unsigned armed_calls = 0;
 int calls_left = 0;
 FaultManner armed_manner = FaultManner::cleanly;
 bool armed_from_then_on = false;
 bool fault_hit = false;
-
-std::atomic<HostRecording*> recording{nullptr};
 
 std::atomic<long> blocks{0}, files{0}, streams{0}, mutexes{0}, locks{0};
 
@@ -31,8 +28,10 @@ bool Fails(FaultCall call) {
     return fault_hit = true;
 }
 
-template <typename T>
-T* Counted(T* made, std::atomic<long>& counter) {
+/// A call that makes what has to be given back, or fails.
+template <typename Make, typename... With>
+auto Made(FaultCall call, std::atomic<long>& counter, Make make, With... with) {
+    auto made = Fails(call) ? nullptr : make(with...);
     if (made) ++counter;
     return made;
 }
@@ -40,23 +39,21 @@ T* Counted(T* made, std::atomic<long>& counter) {
 /// A transfer of `length` bytes that may fail; `move` moves that many.
 template <typename Move>
 bool Transfer(FaultCall call, std::size_t length, Move move) {
+    const bool first = !fault_hit;
     if (!Fails(call)) return move(length);
-    if (armed_manner == FaultManner::cut_short) move(length / 2);
+    const bool stops_here = armed_manner == FaultManner::stops && first;
+    if (armed_manner == FaultManner::cut_short || stops_here) move(length / 2);
     if (armed_manner == FaultManner::lost_reply) move(length);
     return false;
 }
 
 }  // namespace
 
-void RecordChange(HostChange change) {
-    if (HostRecording* to = recording) to->changes_.push_back(std::move(change));
-}
-
 Fault::Fault(unsigned calls, int nth, FaultManner manner, bool from_then_on) {
     armed_calls = calls;
     calls_left = nth;
     armed_manner = manner;
-    armed_from_then_on = from_then_on;
+    armed_from_then_on = from_then_on || manner == FaultManner::stops;
     fault_hit = false;
     armed = true;
 }
@@ -69,64 +66,40 @@ bool Fault::hit() const {
     return fault_hit;
 }
 
-HostRecording::HostRecording() {
-    recording = this;
-}
-
-HostRecording::~HostRecording() {
-    recording = nullptr;
-}
-
-void ApplyChange(Bytes& host, const HostChange& change, bool torn) {
-    if (change.length >= 0) {
-        const auto grown = static_cast<std::size_t>(change.length);
-        return host.resize(torn ? host.size() + (grown - std::min(grown, host.size())) / 2 : grown);
-    }
-    const auto at = static_cast<std::size_t>(change.offset);
-    const std::size_t length = torn ? change.bytes.size() / 2 : change.bytes.size();
-    if (host.size() < at + length) host.resize(at + length);
-    std::copy_n(change.bytes.begin(), length, host.begin() + static_cast<std::ptrdiff_t>(at));
-}
-
 HeldResources HeldNow() {
     return {blocks, files, streams, mutexes, locks};
 }
 
 extern "C" {
 
-void* __real_heap_alloc(std::size_t);
-void* __real_heap_alloc_zeroed(std::size_t);
-void* __real_heap_resize(void*, std::size_t);
-void __real_heap_free(void*);
-HostMutex* __real_mutex_create();
-void __real_mutex_destroy(HostMutex*);
-void __real_mutex_lock(HostMutex*);
-void __real_mutex_unlock(HostMutex*);
-int __real_host_open(const char*, bool);
-void __real_host_close(int);
-bool __real_host_size(int, std::int64_t*);
-bool __real_host_read(int, std::int64_t, void*, std::size_t);
-bool __real_host_write(int, std::int64_t, const void*, std::size_t);
-bool __real_host_extend(int, std::int64_t, std::int64_t);
-std::FILE* __real_disk_open(const char*, DiskMode);
-std::size_t __real_disk_read(std::FILE*, void*, std::size_t);
-bool __real_disk_write(std::FILE*, const void*, std::size_t);
-bool __real_disk_flush(std::FILE*);
-bool __real_disk_size(std::FILE*, std::int64_t*);
-bool __real_disk_close(std::FILE*);
+decltype(heap_alloc) __real_heap_alloc, __real_heap_alloc_zeroed;
+decltype(heap_resize) __real_heap_resize;
+decltype(heap_free) __real_heap_free;
+decltype(mutex_create) __real_mutex_create;
+decltype(mutex_destroy) __real_mutex_destroy, __real_mutex_lock, __real_mutex_unlock;
+decltype(host_open) __real_host_open;
+decltype(host_close) __real_host_close;
+decltype(host_size) __real_host_size;
+decltype(host_read) __real_host_read;
+decltype(host_write) __real_host_write;
+decltype(host_extend) __real_host_extend;
+decltype(disk_open) __real_disk_open;
+decltype(disk_read) __real_disk_read;
+decltype(disk_write) __real_disk_write;
+decltype(disk_flush) __real_disk_flush, __real_disk_close;
+decltype(disk_size) __real_disk_size;
 
 void* __wrap_heap_alloc(std::size_t size) {
-    return Fails(kFaultMemory) ? nullptr : Counted(__real_heap_alloc(size), blocks);
+    return Made(kFaultMemory, blocks, __real_heap_alloc, size);
 }
 
 void* __wrap_heap_alloc_zeroed(std::size_t size) {
-    return Fails(kFaultMemory) ? nullptr : Counted(__real_heap_alloc_zeroed(size), blocks);
+    return Made(kFaultMemory, blocks, __real_heap_alloc_zeroed, size);
 }
 
 void* __wrap_heap_resize(void* block, std::size_t size) {
-    if (Fails(kFaultMemory)) return nullptr;
-    void* resized = __real_heap_resize(block, size);
-    return block ? resized : Counted(resized, blocks);
+    if (!block) return Made(kFaultMemory, blocks, __real_heap_resize, block, size);
+    return Fails(kFaultMemory) ? nullptr : __real_heap_resize(block, size);
 }
 
 void __wrap_heap_free(void* block) {
@@ -135,7 +108,7 @@ void __wrap_heap_free(void* block) {
 }
 
 HostMutex* __wrap_mutex_create() {
-    return Fails(kFaultMutex) ? nullptr : Counted(__real_mutex_create(), mutexes);
+    return Made(kFaultMutex, mutexes, __real_mutex_create);
 }
 
 void __wrap_mutex_destroy(HostMutex* mutex) {
@@ -174,23 +147,16 @@ bool __wrap_host_read(int fd, std::int64_t offset, void* buffer, std::size_t len
 }
 
 bool __wrap_host_write(int fd, std::int64_t offset, const void* data, std::size_t length) {
-    return Transfer(kFaultWrite, length, [&](std::size_t n) {
-        if (recording)
-            RecordChange({fd, offset, Bytes(static_cast<const char*>(data), static_cast<const char*>(data) + n), -1});
-        return __real_host_write(fd, offset, data, n);
-    });
+    return Transfer(kFaultWrite, length, [&](std::size_t n) { return __real_host_write(fd, offset, data, n); });
 }
 
 bool __wrap_host_extend(int fd, std::int64_t offset, std::int64_t length) {
-    return Transfer(kFaultExtend, static_cast<std::size_t>(length), [&](std::size_t n) {
-        const auto added = static_cast<std::int64_t>(n);
-        if (recording) RecordChange({fd, offset, {}, offset + added});
-        return __real_host_extend(fd, offset, added);
-    });
+    return Transfer(kFaultExtend, static_cast<std::size_t>(length),
+                    [&](std::size_t n) { return __real_host_extend(fd, offset, static_cast<std::int64_t>(n)); });
 }
 
 std::FILE* __wrap_disk_open(const char* path, DiskMode mode) {
-    return Fails(kFaultDisk) ? nullptr : Counted(__real_disk_open(path, mode), streams);
+    return Made(kFaultDisk, streams, __real_disk_open, path, mode);
 }
 
 std::size_t __wrap_disk_read(std::FILE* stream, void* buffer, std::size_t length) {

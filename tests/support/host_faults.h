@@ -1,14 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Doubles for the library's host calls and allocations, bound in front of the real ones at link time: they make the
-// n-th call fail, record what is written to host files, and count what is held. fault_tests and the fuzz targets link
-// them.
+// n-th call fail, and count what is held. fault_tests and the fuzz targets link them.
 #pragma once
-
-#include <cstddef>
-#include <cstdint>
-#include <vector>
-
-#include "tests/support/package_image.h"
 
 /// The calls that may fail. A set of them is a sum.
 enum FaultCall : unsigned {
@@ -26,9 +19,10 @@ enum FaultCall : unsigned {
 
 /// How a call fails. Where a manner means nothing to a call, it fails cleanly.
 enum class FaultManner {
-    cleanly,    // nothing is done
-    cut_short,  // half of the bytes are read, written or added
-    lost_reply  // everything is done, and failure is reported
+    cleanly,     // nothing is done
+    cut_short,   // half of the bytes are read, written or added
+    lost_reply,  // everything is done, and failure is reported
+    stops        // half of the bytes of the first call that fails, nothing from then on: a process that ends
 };
 
 /// Makes calls fail for the length of its scope; one at a time.
@@ -43,32 +37,6 @@ public:
     /// Whether the call came that was to fail.
     bool hit() const;
 };
-
-/// One change of a host file: bytes at an offset, or a new length.
-struct HostChange {
-    int fd;
-    std::int64_t offset;
-    Bytes bytes;
-    std::int64_t length;  // of a file that was extended, else -1
-};
-
-/// Records the changes of host files for the length of its scope; one at a time.
-class HostRecording {
-public:
-    HostRecording();
-    ~HostRecording();
-    HostRecording(const HostRecording&) = delete;
-    HostRecording& operator=(const HostRecording&) = delete;
-
-    const std::vector<HostChange>& changes() const { return changes_; }
-
-private:
-    friend void RecordChange(HostChange change);
-    std::vector<HostChange> changes_;
-};
-
-/// Applies a change to the bytes of a host file; `torn` applies half of it.
-void ApplyChange(Bytes& host, const HostChange& change, bool torn);
 
 /// What the library holds at this moment.
 struct HeldResources {

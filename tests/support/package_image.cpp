@@ -270,7 +270,7 @@ std::map<std::u16string, Bytes> SoundFiles(const PackageImage& image) {
         const auto needed = static_cast<std::uint64_t>(entry.size / kBlock + (entry.size % kBlock > 0 ? 1 : 0));
         const bool whole = entry.size >= 0 && needed <= chain.size();
         if (entry.kind != 1 || name.size() > 512 || bearers[name] != 1 || !whole) continue;
-        chain.resize(needed);
+        chain.resize(static_cast<std::size_t>(needed));
         const bool unshared = std::all_of(chain.begin(), chain.end(), [&](int block) {
             return owners[static_cast<std::size_t>(block)] == 1 && (image.Word(block) & kUsed) != 0;
         });
