@@ -1,0 +1,284 @@
+// SPDX-License-Identifier: MIT
+#include "tests/support/store_script.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <map>
+#include <memory>
+
+#include "tests/support/reference_store.h"
+
+namespace {
+
+/// What a call gives back, and the listing that follows it.
+struct Result {
+    std::vector<std::int64_t> numbers;
+    Bytes bytes = {};
+    std::vector<FileInfo> infos = {};
+    bool operator==(const Result&) const = default;
+};
+
+std::string Upper(std::string text) {
+    for (char& c : text) c = static_cast<char>(std::toupper(c));
+    return text;
+}
+
+/// Whether a host file holds just these bytes. Memory for all of it, fresh at each call, would take most of the time.
+bool HoldsJust(const std::string& path, const Bytes& wanted) {
+    static std::uint8_t piece[1 << 16];
+    std::FILE* file = std::fopen(path.c_str(), "rb");
+    std::size_t at = 0, count = 0;
+    while ((count = std::fread(piece, 1, sizeof piece, file)) > 0 && count <= wanted.size() - at &&
+           std::memcmp(piece, wanted.data() + at, count) == 0)
+        at += count;
+    std::fclose(file);
+    return count == 0 && at == wanted.size();
+}
+
+std::int32_t Open(const std::string& path, const PackageOpening& how, std::int32_t* error) {
+    return vlt_package_open_ex(path.c_str(), how.read_only_file, static_cast<std::uint32_t>(how.offset),
+                               static_cast<std::int32_t>(how.offset >> 32), how.read_only, how.exclusive,
+                               how.read_credential.c_str(), how.write_credential.c_str(), nullptr, error);
+}
+
+class Runner {
+public:
+    Runner(const StoreScript& script, Input& input) : script_(script), input_(input) {
+        const PackageImage image = Image();
+        kept_ = SoundFiles(image);
+        sound_ = Faults(image).empty();
+        for (const ImageEntry& entry : image.entries) {
+            const bool stamped = !std::isnan(entry.created + entry.accessed + entry.written);
+            sound_ = sound_ && (!entry.used() || (stamped && kept_.count(FoldedName(entry.name)) != 0));
+        }
+        if (sound_) reference_ = std::make_unique<ReferenceStore>(image.host, script.base);
+    }
+
+    std::string Run(int calls) {
+        std::string wrong;
+        for (int i = 0; i < calls && wrong.empty() && !input_.empty(); ++i) {
+            wrong = Step();
+            if (!wrong.empty()) wrong += " of call " + std::to_string(i) + ", kind " + std::to_string(call_);
+        }
+        vlt_package_close_all();
+        if (wrong.empty()) wrong = FilesFault();
+        vlt_package_close_all();
+        return wrong;
+    }
+
+private:
+    PackageImage Image() const {
+        if (script_.sync) script_.sync();
+        return PackageImage(ReadHostFile(script_.path), script_.base);
+    }
+
+    std::string Step() {
+        static const Call calls[] = {kOpenPackage, kClosePackage, kOpenFile, kCloseFile, kWrite, kRead,    kSeek,
+                                     kDelete,      kInfo,         kSetTime,  kReopen,    kTick,  kFillDisk};
+        call_ = *(std::upper_bound(std::begin(calls), std::end(calls), input_.Byte() % kCallEnd) - 1);
+        const std::uint8_t handle = input_.Byte(), name = input_.Byte();
+        how_ = input_.Byte();
+        number_ = input_.Number(3);
+        if (call_ == kReopen || (call_ == kFillDisk && script_.fill_disk && reference_)) CloseAll();
+        if (call_ == kFillDisk && script_.fill_disk) FillDisk();
+        if (call_ == kTick && script_.tick) script_.tick(how_);
+        if (call_ != kReopen && packages_.empty()) how_ = script_.read_only_base;
+        if (packages_.empty()) call_ = kOpenPackage;
+        package_ = handle < 250 && !packages_.empty() ? packages_[handle % packages_.size()] : handle - 251;
+        file_ = handle < 250 && !files_.empty() ? files_[handle % files_.size()] : number_ % 0x50000;
+        const std::string special[] = {"", "nnnnnnnn", std::string(512, 'n'), std::string(513, 'n')};
+        name_ = name % 64 == 63 ? special[name / 64] : "f" + std::to_string(name % 64 % script_.files);
+        if (name >= 192) name_ = Upper(name_);
+        path_ = packages_.empty() || how_ % 4 < 3 ? script_.path : Upper(script_.path);
+        return Both();
+    }
+
+    void CloseAll() {
+        vlt_package_close_all();
+        if (reference_) reference_->CloseAll();
+        packages_.clear();
+    }
+
+    /// From now on any call may fail half way, and what is known are the files that are left alone.
+    void FillDisk() {
+        if (reference_) kept_ = SoundFiles(Image());
+        reference_.reset();
+        script_.fill_disk(how_);
+    }
+
+    PackageOpening Opening() const {
+        const int how = how_ < 128 ? how_ % 2 : how_;
+        const auto base = static_cast<std::int64_t>(script_.base);
+        return {.read_only = how & 64 ? 2 : how & 1,
+                .read_only_file = (how & 2) != 0,
+                .exclusive = (how & 4) != 0,
+                .offset = how & 32 ? (how & 1 ? -1 : base + 7) : base,
+                .read_credential = how & 8 ? "x" : "r",
+                .write_credential = how & 16 ? "x" : "w"};
+    }
+
+    std::uint32_t Mode() const { return how_ % 4 == 3 && how_ < 224 ? VLT_MODE_WRITE : how_ % 4; }
+
+    std::int32_t Length() const {
+        const std::uint32_t blocks = number_ % (script_.largest / VLT_BLOCK_SIZE);
+        if (how_ % 4 == 2) return static_cast<std::int32_t>(number_ % 100);
+        if (how_ % 4 == 3) return static_cast<std::int32_t>(blocks * VLT_BLOCK_SIZE + how_ / 4 % 3) - 1;
+        return static_cast<std::int32_t>(number_ % script_.largest);
+    }
+
+    /// Runs the call, on the reference if there is one given and else on the library.
+    Result Run(ReferenceStore* r) const {
+        Result result = Make(r);
+        FileInfo info;
+        const std::int32_t package = packages_.empty() ? 0 : packages_[0];
+        for (std::int32_t at = 0; result.infos.size() < 10000; result.infos.push_back(info)) {
+            at = r ? r->Enumerate(package, at, &info) : Enumerate(package, at, &info);
+            if (at <= 0) break;
+        }
+        return result;
+    }
+    Result Make(ReferenceStore* r) const {
+        if (call_ == kOpenPackage || call_ == kReopen) {
+            const PackageOpening how = Opening();
+            std::int32_t code = 0;
+            return {{r ? r->Open(how, &code) : Open(path_, how, &code), code}};
+        }
+        if (call_ == kClosePackage) return {{r ? r->Close(package_) : vlt_package_close(package_)}};
+        if (call_ == kOpenFile) {
+            const OpenHow how{.exclusive = (how_ & 0x3C) == 0x3C, .truncate = (how_ & 0xC0) == 0x40};
+            std::uint32_t code = 99;
+            return {
+                {r ? r->OpenFile(package_, name_, Mode(), how, &code) : OpenFile(package_, name_, Mode(), how, &code),
+                 code}};
+        }
+        if (call_ == kCloseFile) return {{r ? r->CloseFile(file_) : vlt_file_close(file_)}};
+        if (call_ == kWrite) {
+            const Bytes data =
+                Pattern(std::to_string(number_ * 31 + how_), static_cast<std::size_t>(std::max(Length(), 0)));
+            return {{r ? r->Write(file_, data.data(), Length()) : vlt_file_write(file_, data.data(), Length())}};
+        }
+        if (call_ == kRead) {
+            Bytes data(static_cast<std::size_t>(std::max(Length(), 1)));
+            const std::int32_t count =
+                r ? r->Read(file_, data.data(), Length()) : vlt_file_read(file_, data.data(), Length());
+            return {{count}, data};
+        }
+        if (call_ == kSeek) return {Seek(r)};
+        if (call_ == kDelete) return {{r ? r->Delete(package_, name_) : Delete(package_, name_)}};
+        if (call_ == kInfo) {
+            FileInfo info;
+            const std::int32_t found = r ? r->GetInfo(package_, name_, &info) : GetInfo(package_, name_, &info);
+            return {{found}, {}, {info}};
+        }
+        const double stamp = 20050321.140709 - how_;
+        if (call_ == kSetTime)
+            return {{r ? r->SetTime(package_, name_, stamp, -1.5, 0.0) : SetTime(package_, name_, stamp, -1.5, 0.0)}};
+        return {};
+    }
+    std::vector<std::int64_t> Seek(ReferenceStore* r) const {
+        const std::int64_t ends[] = {-1, 0, INT64_MAX, INT64_MIN};
+        const std::int64_t to = how_ % 2 ? ends[how_ / 2 % 4] : Length();
+        std::int64_t told = 77;
+        if (r) {
+            const std::int32_t moved = how_ < 16 ? r->SetPosBof(file_) : r->SetPos(file_, to);
+            return {r->GetPos(file_, &told), told, r->IsBof(file_), r->IsEof(file_), moved};
+        }
+        const std::int32_t moved = how_ < 16 ? vlt_file_set_pos_bof(file_) : vlt_file_set_pos(file_, to);
+        return {vlt_file_get_pos(file_, &told), told, vlt_file_is_bof(file_), vlt_file_is_eof(file_), moved};
+    }
+
+    /// Whether a result is among the documented ones.
+    bool Documented(const Result& found) const {
+        const std::vector<std::int64_t>& n = found.numbers;
+        if (found.infos.size() >= 10000) return false;
+        if (call_ >= kTick) return true;
+        if (call_ == kOpenPackage || call_ == kReopen || call_ == kOpenFile)
+            return (n[0] != 0) == (n[1] == 0) && n[1] >= 0 && n[1] <= (call_ == kOpenFile ? 4 : 5);
+        if (call_ == kRead) return n[0] >= 0 && n[0] <= std::max(Length(), 0);
+        if (call_ == kSeek)
+            return n[2] == (n[0] == 1 ? n[1] <= 0 : -1) && (n[0] == 1 || n[1] == 0) && n[3] >= -1 && n[3] <= 1;
+        if (call_ == kInfo) return n[0] == (found.infos[0].kind != 99);
+        return n[0] == 1 || (n[0] == 0 && !(call_ == kWrite && Length() < 1));
+    }
+
+    /// Runs the call on both sides. The clock may strike within the library's call, and then either second is right.
+    std::string Both() {
+        if (call_ == kClosePackage) std::erase(packages_, package_);
+        if (call_ == kCloseFile && how_ % 8 < 7) std::erase(files_, file_);
+        if (call_ == kDelete || (call_ == kOpenFile && Mode() != VLT_MODE_READ))
+            kept_.erase(FoldedName({name_.begin(), name_.end()}));
+        const double before = script_.now();
+        const Result found = Run(nullptr);
+        const double after = script_.now();
+        std::unique_ptr<ReferenceStore> again;
+        if (reference_ && before != after) again = std::make_unique<ReferenceStore>(*reference_);
+        std::string wrong = Documented(found) ? Difference(found, before) : "an undocumented result";
+        if (again && !wrong.empty()) {
+            reference_ = std::move(again);
+            wrong = Difference(found, after);
+        }
+        if (call_ == kOpenFile && found.numbers[0] != 0)
+            files_.push_back(static_cast<std::uint32_t>(found.numbers[0]));
+        if ((call_ == kOpenPackage || call_ == kReopen) && found.numbers[0] != 0)
+            packages_.push_back(static_cast<std::int32_t>(found.numbers[0]));
+        return wrong;
+    }
+
+    /// Runs the call on the reference; says what is not the same then.
+    std::string Difference(const Result& found, double now) {
+        if (!reference_) return "";
+        reference_->now = now;
+        if (!(Run(reference_.get()) == found)) return "the result";
+        const Bytes& wanted = reference_->host;
+        if (script_.sync) script_.sync();
+        if (HoldsJust(script_.path, wanted)) return "";
+        const Bytes host = ReadHostFile(script_.path);
+        const auto at = std::mismatch(host.begin(), host.end(), wanted.begin(), wanted.end()).first;
+        return "host byte " + std::to_string(at - host.begin());
+    }
+
+    /// With nothing open: what is not in the host file, or does not read back, as it was.
+    std::string FilesFault() const {
+        const PackageImage image = Image();
+        const bool full = reference_ == nullptr;
+        const std::string faults = sound_ ? Faults(image, {full, full, full, full}) : "";
+        const std::map<std::u16string, Bytes> left = SoundFiles(image);
+        const PackageOpening how{1, true, false, static_cast<std::int64_t>(script_.base), "r", "w"};
+        std::int32_t code = 0;
+        const std::int32_t package = Open(script_.path, how, &code);
+        for (const auto& [name, bytes] : kept_) {
+            if (!left.count(name) || left.at(name) != bytes) return "a file has changed";
+            const WideName wide(name.begin(), name.end());
+            const std::string narrow(name.begin(), name.end());
+            const std::int32_t file = image.wide
+                                          ? vltw_file_open(package, wide.c_str(), VLT_MODE_READ, 0, 0, nullptr)
+                                          : vlt_file_open(package, narrow.c_str(), VLT_MODE_READ, 0, 0, nullptr);
+            const Bytes read =
+                ReadFrom(static_cast<std::uint32_t>(file), static_cast<std::int32_t>(bytes.size()) + 1);
+            if (package != 0 && (file == 0 || read != bytes)) return "a file does not read back";
+        }
+        return faults;
+    }
+
+    const StoreScript& script_;
+    Input& input_;
+    bool sound_;                                 // at first
+    std::unique_ptr<ReferenceStore> reference_;  // null when something else may be right
+    std::map<std::u16string, Bytes> kept_;       // files that the script has not changed, by folded name
+    std::vector<std::int32_t> packages_;
+    std::vector<std::uint32_t> files_;
+
+    // The call that is run.
+    std::uint8_t call_ = 0, how_ = 0;
+    std::uint32_t number_ = 0;
+    std::int32_t package_ = 0;
+    std::uint32_t file_ = 0;
+    std::string name_, path_;
+};
+
+}  // namespace
+
+std::string StoreScript::Run(Input input, int calls) const {
+    return Runner(*this, input).Run(calls);
+}
