@@ -19,21 +19,17 @@ struct Result {
     bool operator==(const Result&) const = default;
 };
 
-std::string Upper(std::string text) {
-    for (char& c : text) c = static_cast<char>(std::toupper(c));
-    return text;
-}
-
-/// Whether a host file holds just these bytes. Memory for all of it, fresh at each call, would take most of the time.
-bool HoldsJust(const std::string& path, const Bytes& wanted) {
-    static std::uint8_t piece[1 << 16];
+/// Where a host file is not as wanted, to a piece; -1 when it is. Piece by piece, because fresh memory for the whole
+/// of it, call by call, would take most of the time.
+std::int64_t FirstDifference(const std::string& path, const Bytes& wanted) {
+    static std::uint8_t piece[1 << 12];
     std::FILE* file = std::fopen(path.c_str(), "rb");
     std::size_t at = 0, count = 0;
     while ((count = std::fread(piece, 1, sizeof piece, file)) > 0 && count <= wanted.size() - at &&
            std::memcmp(piece, wanted.data() + at, count) == 0)
         at += count;
     std::fclose(file);
-    return count == 0 && at == wanted.size();
+    return count == 0 && at == wanted.size() ? -1 : static_cast<std::int64_t>(at);
 }
 
 std::int32_t Open(const std::string& path, const PackageOpening& how, std::int32_t* error) {
@@ -41,6 +37,8 @@ std::int32_t Open(const std::string& path, const PackageOpening& how, std::int32
                                static_cast<std::int32_t>(how.offset >> 32), how.read_only, how.exclusive,
                                how.read_credential.c_str(), how.write_credential.c_str(), nullptr, error);
 }
+
+constexpr std::size_t kEndless = 10000;  // files of a listing
 
 class Runner {
 public:
@@ -57,14 +55,11 @@ public:
 
     std::string Run(int calls) {
         std::string wrong;
-        for (int i = 0; i < calls && wrong.empty() && !input_.empty(); ++i) {
-            wrong = Step();
-            if (!wrong.empty()) wrong += " of call " + std::to_string(i) + ", kind " + std::to_string(call_);
-        }
+        int made = 0;
+        for (; made < calls && wrong.empty() && !input_.empty(); ++made) wrong = Step();
         vlt_package_close_all();
-        if (wrong.empty()) wrong = FilesFault();
-        vlt_package_close_all();
-        return wrong;
+        if (wrong.empty()) return FilesFault();
+        return wrong + ", call " + std::to_string(made) + " of kind " + std::to_string(call_);
     }
 
 private:
@@ -80,17 +75,16 @@ private:
         const std::uint8_t handle = input_.Byte(), name = input_.Byte();
         how_ = input_.Byte();
         number_ = input_.Number(3);
-        if (call_ == kReopen || (call_ == kFillDisk && script_.fill_disk && reference_)) CloseAll();
         if (call_ == kFillDisk && script_.fill_disk) FillDisk();
+        if (call_ == kReopen) CloseAll();
         if (call_ == kTick && script_.tick) script_.tick(how_);
         if (call_ != kReopen && packages_.empty()) how_ = script_.read_only_base;
         if (packages_.empty()) call_ = kOpenPackage;
         package_ = handle < 250 && !packages_.empty() ? packages_[handle % packages_.size()] : handle - 251;
         file_ = handle < 250 && !files_.empty() ? files_[handle % files_.size()] : number_ % 0x50000;
-        const std::string special[] = {"", "nnnnnnnn", std::string(512, 'n'), std::string(513, 'n')};
-        name_ = name % 64 == 63 ? special[name / 64] : "f" + std::to_string(name % 64 % script_.files);
-        if (name >= 192) name_ = Upper(name_);
-        path_ = packages_.empty() || how_ % 4 < 3 ? script_.path : Upper(script_.path);
+        const std::size_t lengths[] = {0, 8, 512, 513};
+        name_ = (name < 192 ? "f" : "F") + std::to_string(name % 64 % script_.files);
+        if (name % 64 == 63) name_ = std::string(lengths[name / 64], how_ % 2 ? 'N' : 'n');
         return Both();
     }
 
@@ -102,6 +96,7 @@ private:
 
     /// From now on any call may fail half way, and what is known are the files that are left alone.
     void FillDisk() {
+        CloseAll();
         if (reference_) kept_ = SoundFiles(Image());
         reference_.reset();
         script_.fill_disk(how_);
@@ -127,12 +122,18 @@ private:
         return static_cast<std::int32_t>(number_ % script_.largest);
     }
 
-    /// Runs the call, on the reference if there is one given and else on the library.
+    /// Runs the call, asks where its file stands, and lists what there is; on the reference if there is one given,
+    /// else on the library.
     Result Run(ReferenceStore* r) const {
         Result result = Make(r);
+        std::int64_t told = 77;
+        const std::int32_t open = r ? r->GetPos(file_, &told) : vlt_file_get_pos(file_, &told);
+        const std::int32_t bof = r ? r->IsBof(file_) : vlt_file_is_bof(file_);
+        const std::int32_t eof = r ? r->IsEof(file_) : vlt_file_is_eof(file_);
+        result.numbers.insert(result.numbers.end(), {open, told, bof, eof});
         FileInfo info;
         const std::int32_t package = packages_.empty() ? 0 : packages_[0];
-        for (std::int32_t at = 0; result.infos.size() < 10000; result.infos.push_back(info)) {
+        for (std::int32_t at = 0; result.infos.size() < kEndless; result.infos.push_back(info)) {
             at = r ? r->Enumerate(package, at, &info) : Enumerate(package, at, &info);
             if (at <= 0) break;
         }
@@ -142,7 +143,7 @@ private:
         if (call_ == kOpenPackage || call_ == kReopen) {
             const PackageOpening how = Opening();
             std::int32_t code = 0;
-            return {{r ? r->Open(how, &code) : Open(path_, how, &code), code}};
+            return {{r ? r->Open(how, &code) : Open(script_.path, how, &code), code}};
         }
         if (call_ == kClosePackage) return {{r ? r->Close(package_) : vlt_package_close(package_)}};
         if (call_ == kOpenFile) {
@@ -164,7 +165,12 @@ private:
                 r ? r->Read(file_, data.data(), Length()) : vlt_file_read(file_, data.data(), Length());
             return {{count}, data};
         }
-        if (call_ == kSeek) return {Seek(r)};
+        if (call_ == kSeek) {
+            const std::int64_t ends[] = {-1, 0, INT64_MAX, INT64_MIN};
+            const std::int64_t to = how_ % 2 ? ends[how_ / 2 % 4] : Length();
+            if (how_ < 16) return {{r ? r->SetPosBof(file_) : vlt_file_set_pos_bof(file_)}};
+            return {{r ? r->SetPos(file_, to) : vlt_file_set_pos(file_, to)}};
+        }
         if (call_ == kDelete) return {{r ? r->Delete(package_, name_) : Delete(package_, name_)}};
         if (call_ == kInfo) {
             FileInfo info;
@@ -174,32 +180,20 @@ private:
         const double stamp = 20050321.140709 - how_;
         if (call_ == kSetTime)
             return {{r ? r->SetTime(package_, name_, stamp, -1.5, 0.0) : SetTime(package_, name_, stamp, -1.5, 0.0)}};
-        return {};
+        return {{1}};
     }
-    std::vector<std::int64_t> Seek(ReferenceStore* r) const {
-        const std::int64_t ends[] = {-1, 0, INT64_MAX, INT64_MIN};
-        const std::int64_t to = how_ % 2 ? ends[how_ / 2 % 4] : Length();
-        std::int64_t told = 77;
-        if (r) {
-            const std::int32_t moved = how_ < 16 ? r->SetPosBof(file_) : r->SetPos(file_, to);
-            return {r->GetPos(file_, &told), told, r->IsBof(file_), r->IsEof(file_), moved};
-        }
-        const std::int32_t moved = how_ < 16 ? vlt_file_set_pos_bof(file_) : vlt_file_set_pos(file_, to);
-        return {vlt_file_get_pos(file_, &told), told, vlt_file_is_bof(file_), vlt_file_is_eof(file_), moved};
-    }
+
+    bool Opens() const { return call_ == kOpenPackage || call_ == kReopen || call_ == kOpenFile; }
 
     /// Whether a result is among the documented ones.
     bool Documented(const Result& found) const {
-        const std::vector<std::int64_t>& n = found.numbers;
-        if (found.infos.size() >= 10000) return false;
-        if (call_ >= kTick) return true;
-        if (call_ == kOpenPackage || call_ == kReopen || call_ == kOpenFile)
-            return (n[0] != 0) == (n[1] == 0) && n[1] >= 0 && n[1] <= (call_ == kOpenFile ? 4 : 5);
-        if (call_ == kRead) return n[0] >= 0 && n[0] <= std::max(Length(), 0);
-        if (call_ == kSeek)
-            return n[2] == (n[0] == 1 ? n[1] <= 0 : -1) && (n[0] == 1 || n[1] == 0) && n[3] >= -1 && n[3] <= 1;
-        if (call_ == kInfo) return n[0] == (found.infos[0].kind != 99);
-        return n[0] == 1 || (n[0] == 0 && !(call_ == kWrite && Length() < 1));
+        const std::int64_t result = found.numbers[0], code = found.numbers[1], *asked = &*found.numbers.end() - 4;
+        if (found.infos.size() >= kEndless || asked[3] < -1 || asked[3] > 1) return false;
+        if (asked[0] == 1 ? asked[2] != (asked[1] <= 0) : asked[1] != 0 || asked[2] != -1) return false;
+        if (Opens()) return (result != 0) == (code == 0) && code >= 0 && code <= (call_ == kOpenFile ? 4 : 5);
+        if (call_ == kRead) return result >= 0 && result <= std::max(Length(), 0);
+        if (call_ == kInfo) return result == (found.infos[0].kind != 99);
+        return result == 1 || (result == 0 && !(call_ == kWrite && Length() < 1));
     }
 
     /// Runs the call on both sides. The clock may strike within the library's call, and then either second is right.
@@ -218,10 +212,9 @@ private:
             reference_ = std::move(again);
             wrong = Difference(found, after);
         }
-        if (call_ == kOpenFile && found.numbers[0] != 0)
-            files_.push_back(static_cast<std::uint32_t>(found.numbers[0]));
-        if ((call_ == kOpenPackage || call_ == kReopen) && found.numbers[0] != 0)
-            packages_.push_back(static_cast<std::int32_t>(found.numbers[0]));
+        const std::int64_t opened = Opens() ? found.numbers[0] : 0;
+        if (opened != 0 && call_ == kOpenFile) files_.push_back(static_cast<std::uint32_t>(opened));
+        if (opened != 0 && call_ != kOpenFile) packages_.push_back(static_cast<std::int32_t>(opened));
         return wrong;
     }
 
@@ -230,12 +223,9 @@ private:
         if (!reference_) return "";
         reference_->now = now;
         if (!(Run(reference_.get()) == found)) return "the result";
-        const Bytes& wanted = reference_->host;
         if (script_.sync) script_.sync();
-        if (HoldsJust(script_.path, wanted)) return "";
-        const Bytes host = ReadHostFile(script_.path);
-        const auto at = std::mismatch(host.begin(), host.end(), wanted.begin(), wanted.end()).first;
-        return "host byte " + std::to_string(at - host.begin());
+        const std::int64_t at = FirstDifference(script_.path, reference_->host);
+        return at < 0 ? "" : "the host file from " + std::to_string(at) + " on";
     }
 
     /// With nothing open: what is not in the host file, or does not read back, as it was.
@@ -248,7 +238,7 @@ private:
         std::int32_t code = 0;
         const std::int32_t package = Open(script_.path, how, &code);
         for (const auto& [name, bytes] : kept_) {
-            if (!left.count(name) || left.at(name) != bytes) return "a file has changed";
+            if (!left.count(name) || left.at(name) != bytes) return "a file that has changed";
             const WideName wide(name.begin(), name.end());
             const std::string narrow(name.begin(), name.end());
             const std::int32_t file = image.wide
@@ -256,8 +246,9 @@ private:
                                           : vlt_file_open(package, narrow.c_str(), VLT_MODE_READ, 0, 0, nullptr);
             const Bytes read =
                 ReadFrom(static_cast<std::uint32_t>(file), static_cast<std::int32_t>(bytes.size()) + 1);
-            if (package != 0 && (file == 0 || read != bytes)) return "a file does not read back";
+            if (package != 0 && (file == 0 || read != bytes)) return "a file that does not read back";
         }
+        vlt_package_close_all();
         return faults;
     }
 
@@ -274,7 +265,7 @@ private:
     std::uint32_t number_ = 0;
     std::int32_t package_ = 0;
     std::uint32_t file_ = 0;
-    std::string name_, path_;
+    std::string name_;
 };
 
 }  // namespace
