@@ -44,25 +44,16 @@ void PatchEntry(Input& input, Bytes& host, std::size_t base) {
     if (field == 3) std::fill_n(host.begin() + static_cast<std::ptrdiff_t>(entry) + 37, 8, number);
 }
 
-void PatchBytes(Input& input, Bytes& host, std::size_t base) {
-    const std::size_t at = base + input.Number(3);
-    for (std::size_t i = 0, count = input.Byte(); i < count; ++i) {
-        const std::uint8_t value = input.Byte();
-        if (at + i < host.size()) host[at + i] = value;
-    }
-}
-
-void PatchWord(Input& input, Bytes& host, std::size_t base) {
-    const std::size_t at = base + 101 + std::size_t{4} * input.Byte();
-    const std::uint32_t next = input.Byte(), use = input.Byte();
-    if (at + 4 <= host.size()) StoreAt(host, at, next | (use < 2 ? use << 31 : use << 24));
-}
-
 void ApplyPatches(Input& input, Bytes& host, std::size_t base) {
     for (std::uint8_t patch; (patch = input.Byte() % kPatchCount) != kPatchEnd;) {
-        if (patch == kPatchWord) PatchWord(input, host, base);
         if (patch == kPatchEntry) PatchEntry(input, host, base);
-        if (patch == kPatchBytes) PatchBytes(input, host, base);
+        if (patch == kPatchWord || patch == kPatchBytes) {
+            std::size_t at = base + (patch == kPatchWord ? 101 + std::size_t{4} * input.Byte() : input.Number(3));
+            for (int i = 0, count = patch == kPatchWord ? 4 : input.Byte(); i < count; ++i, ++at) {
+                const std::uint8_t value = input.Byte();
+                if (at < host.size()) host[at] = value;
+            }
+        }
         if (patch == kPatchLength) host.resize(std::min<std::size_t>(input.Number(3), host.size() + 3 * kBlock));
     }
 }

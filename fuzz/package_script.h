@@ -15,7 +15,7 @@ enum Base : std::uint8_t {
 
 enum Patch : std::uint8_t {
     kPatchEnd,
-    kPatchWord,    // block: 1 byte; next block: 1 byte; 1 byte: 0 free, 1 in use, more: the word's upper byte
+    kPatchWord,    // block: 1 byte; its word: 4 bytes
     kPatchEntry,   // entry: 1 byte; field: 1 byte; value: 1 byte, see PatchEntry
     kPatchBytes,   // offset: 3 bytes; count: 1 byte; the bytes
     kPatchLength,  // the host file's length: 3 bytes

@@ -56,7 +56,7 @@ void WritePackageSeeds() {
     const std::string scripts[] = {write_new + append + read, names + truncate + read, share + names + odd,
                                    full + names, Times(14, append) + read};
     const std::string patches[] = {"",
-                                   Chars({kPatchWord, 3, 3, 1}),
+                                   Chars({kPatchWord, 3, 3, 0, 0, 128}),
                                    Chars({kPatchEntry, 0, 2, 7}),
                                    Chars({kPatchEntry, 1, 1, 4}),
                                    Chars({kPatchBytes, 0, 0, 0, 5}) + "wvlt\1",

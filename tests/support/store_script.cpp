@@ -187,7 +187,8 @@ private:
 
     /// Whether a result is among the documented ones.
     bool Documented(const Result& found) const {
-        const std::int64_t result = found.numbers[0], code = found.numbers[1], *asked = &*found.numbers.end() - 4;
+        const std::int64_t* asked = found.numbers.data() + found.numbers.size() - 4;
+        const std::int64_t result = found.numbers[0], code = found.numbers[1];
         if (found.infos.size() >= kEndless || asked[3] < -1 || asked[3] > 1) return false;
         if (asked[0] == 1 ? asked[2] != (asked[1] <= 0) : asked[1] != 0 || asked[2] != -1) return false;
         if (Opens()) return (result != 0) == (code == 0) && code >= 0 && code <= (call_ == kOpenFile ? 4 : 5);
@@ -207,7 +208,8 @@ private:
         const double after = script_.now();
         std::unique_ptr<ReferenceStore> again;
         if (reference_ && before != after) again = std::make_unique<ReferenceStore>(*reference_);
-        std::string wrong = Documented(found) ? Difference(found, before) : "an undocumented result";
+        if (!Documented(found)) return "an undocumented result";
+        std::string wrong = Difference(found, before);
         if (again && !wrong.empty()) {
             reference_ = std::move(again);
             wrong = Difference(found, after);
