@@ -78,7 +78,7 @@ private:
         if (call_ == kFillDisk && script_.fill_disk) FillDisk();
         if (call_ == kReopen) CloseAll();
         if (call_ == kTick && script_.tick) script_.tick(how_);
-        if (call_ != kReopen && packages_.empty()) how_ = script_.read_only_base;
+        if (packages_.empty() && (call_ != kReopen || how_ < 128)) how_ = script_.read_only_base;
         if (packages_.empty()) call_ = kOpenPackage;
         package_ = handle < 250 && !packages_.empty() ? packages_[handle % packages_.size()] : handle - 251;
         file_ = handle < 250 && !files_.empty() ? files_[handle % files_.size()] : number_ % 0x50000;

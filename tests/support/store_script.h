@@ -14,11 +14,11 @@
 /// package. Every call has 7 bytes: this one, a handle, a name, how, and a number of 3 bytes.
 enum Call : std::uint8_t {
     kOpenPackage = 0,
-    kClosePackage = 1,
-    kOpenFile = 2,
-    kCloseFile = 24,
-    kWrite = 40,
-    kRead = 62,
+    kClosePackage = 5,
+    kOpenFile = 8,
+    kCloseFile = 30,
+    kWrite = 44,
+    kRead = 64,
     kSeek = 74,
     kDelete = 86,
     kInfo = 92,
