@@ -49,7 +49,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Scenario{"many_files", Names::narrow, 0, 0, 0, 60, 9000, 6000, 1},
                       Scenario{"many_wide_files", Names::wide, 0, 0, 0, 40, 9000, 4000, 1},
                       Scenario{"behind_other_data", Names::narrow, 0, 5555, 0, 12, 30000, 3000, 1},
-                      Scenario{"read_only_base", Names::narrow, 0, 0, 1, 12, 30000, 4000, 1},
+                      Scenario{"read_only_base", Names::narrow, 0, 0, 1, 12, 30000, 16000, 1},
                       Scenario{"over_the_full_map", Names::narrow, 3, 0, 0, 12, 900000, 700, 2},
                       Scenario{"over_the_second_map", Names::wide, 7, 0, 0, 12, 2500000, 900, 3}),
     [](const auto& run) { return std::string(run.param.name); });
