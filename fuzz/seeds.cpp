@@ -5,6 +5,7 @@
 
 #include "fuzz/package_script.h"
 #include "tests/support/database_files.h"
+#include "tests/support/store_script.h"
 
 namespace {
 
@@ -33,28 +34,37 @@ std::string Texts(int kind, const std::vector<std::string>& texts) {
 }
 
 void WritePackageSeeds() {
-    const std::string write_new = Chars({kOpenFile, 0, 3, 0, 0, kWrite, 0, 0x88, 0x13});  // "d", 5000 bytes
-    const std::string append = Chars({kOpenFile, 0, 0, 2, 1, kWrite, 1, 0, 0x40, kCloseFile, 1});
-    const std::string read = Chars({kOpenFile, 0, 1, 1, 2, kSeek, 2, 0, 0, 1, 0, kRead, 2, 0, 0x20, kAsk, 2});
-    const std::string names = Chars({kInfo, 0, 0, kSetTime, 0, 1, kEnumerate, 0, kTick, 3, kDelete, 0, 2});
-    const std::string truncate = Chars({kOpenFile, 0, 0, 16, 3, kWrite, 3, 9, 0, kCloseFile, 3, kReopen, 0});
-    const std::string share = Chars({kOpenPackage, 1, 1, kOpenFile, 1, 1, 0, 4, kClosePackage, 0, kWrite, 4, 1, 1});
-    const std::string full = Chars({kFillDisk, 1}) + write_new + append;
-    const std::string scripts[] = {write_new + append + read, names + truncate + read, share + names, full + names,
-                                   Times(20, append) + read};
+    const auto call = [](int kind, int handle, int name, int how, int number) {
+        return Chars({kind, handle, name, how, number & 255, number >> 8, 0});
+    };
+    const std::string write_new =
+        call(kOpenPackage, 0, 0, 0, 0) + call(kOpenFile, 0, 3, 0, 0) + call(kWrite, 0, 0, 0, 5000);
+    const std::string append =
+        call(kOpenFile, 0, 0, 2, 0) + call(kWrite, 1, 0, 0, 9000) + call(kCloseFile, 1, 0, 0, 0);
+    const std::string read = call(kOpenFile, 0, 1, 1, 0) + call(kSeek, 0, 0, 16, 0) + call(kRead, 0, 0, 0, 8000);
+    const std::string names =
+        call(kInfo, 0, 0, 0, 0) + call(kSetTime, 0, 1, 0, 0) + call(kTick, 0, 0, 3, 0) + call(kDelete, 0, 2, 0, 0);
+    const std::string truncate =
+        call(kOpenFile, 0, 0, 0x40, 0) + call(kWrite, 0, 0, 0, 900) + call(kReopen, 0, 0, 0, 0);
+    const std::string share = call(kOpenPackage, 0, 0, 1, 0) + call(kOpenFile, 1, 1, 1, 0) +
+                              call(kClosePackage, 0, 0, 0, 0) + call(kWrite, 0, 0, 0, 257);
+    const std::string full = call(kFillDisk, 0, 0, 1, 0) + write_new + append;
+    const std::string odd = call(kReopen, 0, 0, 130, 0) + read + names + call(kReopen, 0, 0, 144, 0) + truncate;
+    const std::string scripts[] = {write_new + append + read, names + truncate + read, share + names + odd,
+                                   full + names, Times(14, append) + read};
     const std::string patches[] = {"",
-                                   Chars({kPatchWord, 3, 3, 1}),
+                                   Chars({kPatchWord, 3, 3, 0, 0, 128}),
                                    Chars({kPatchEntry, 0, 2, 7}),
                                    Chars({kPatchEntry, 1, 1, 4}),
                                    Chars({kPatchBytes, 0, 0, 0, 5}) + "wvlt\1",
                                    Chars({kPatchLength, 0, 0x30, 0})};
-    for (int base = 0; base < kBaseCount; ++base)
+    for (int base = 0; base <= kBaseFull; ++base)
         for (std::size_t patch = 0; patch < std::size(patches); ++patch)
             for (std::size_t script = 0; script < std::size(scripts); ++script)
                 if (base == kBaseFull ? patch == 0 && script % 3 == 0 : patch == 0 || patch % 5 == script)
                     Write("package",
                           std::to_string(base) + "-" + std::to_string(patch) + "-" + std::to_string(script),
-                          Chars({base}) + patches[patch] + Chars({kPatchEnd, 0}) + scripts[script]);
+                          Chars({base}) + patches[patch] + Chars({kPatchEnd}) + scripts[script]);
 }
 
 void WriteTextSeeds() {

@@ -75,7 +75,7 @@ void ResetHost() {
 void LimitHost(int nth) {
     was_full = HostWasFull();
     full_disk.reset();
-    full_disk.emplace(kFaultWrite + kFaultExtend, nth, FaultManner::cut_short, true);
+    full_disk.emplace(kFaultWrite + kFaultExtend, nth, FaultManner::cleanly, true);
 }
 
 bool HostWasFull() {

@@ -23,7 +23,7 @@ std::string Scratch(const std::string& name);
 /// character set are as they were at first.
 void ResetHost();
 
-/// From now on the `nth` write to a host file, or extension of one, fails half done, and so do all after it.
+/// From now on the `nth` write to a host file, or extension of one, fails, and so do all after it.
 void LimitHost(int nth);
 bool HostWasFull();
 void TickClock(int seconds);

@@ -2,22 +2,11 @@
 #include "tests/support/reference_store.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace {
 
 constexpr std::int32_t kBlock = 4096;
 constexpr std::uint32_t kUsed = 0x80000000, kNext = 0x0FFFFFFF;
-
-std::int32_t NextOf(std::uint32_t word) {
-    return static_cast<std::int32_t>(word & kNext);
-}
-
-std::string Folded(std::string name) {
-    for (char& c : name)
-        if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-    return name;
-}
 
 }  // namespace
 
@@ -32,156 +21,123 @@ ReferenceStore::ReferenceStore(Bytes host_file, std::size_t base_offset)
 
 // ---- Blocks ------------------------------------------------------------------------------------------------------
 
-template <typename Move>
-bool ReferenceStore::Transfer(std::int32_t b, std::int64_t p, std::int32_t length, Move move) const {
-    for (; p >= kBlock; p -= kBlock) {
-        if (NextOf(Word(b)) == 0) return false;
-        b = NextOf(Word(b)) - 1;
-    }
-    auto o = static_cast<std::int32_t>(p);
-    for (std::int32_t done = 0; done < length;) {
-        const std::int32_t piece = std::min(o > 0 ? kBlock - o : kBlock, length - done);
-        move(base_ + static_cast<std::size_t>(b) * kBlock + static_cast<std::size_t>(o), done, piece);
-        o = 0;
-        done += piece;
-        if (NextOf(Word(b)) == 0 && done < length) return false;
-        b = NextOf(Word(b)) - 1;
-    }
-    return true;
+ReferenceStore::Chain ReferenceStore::ChainFrom(std::int32_t block) const {
+    Chain chain;
+    for (; block >= 0; block = static_cast<std::int32_t>(Word(block) & kNext) - 1) chain.push_back(block);
+    return chain;
 }
 
-bool ReferenceStore::ChainRead(std::int32_t start, std::int64_t offset, std::uint8_t* buffer, std::int32_t length) {
-    return Transfer(start, offset, length, [&](std::size_t at, std::int32_t done, std::int32_t piece) {
-        std::memcpy(buffer + done, host.data() + at, static_cast<std::size_t>(piece));
-    });
+std::uint8_t& ReferenceStore::HostByte(const Chain& chain, std::int64_t position) {
+    const auto at = static_cast<std::size_t>(position);
+    return host[base_ + static_cast<std::size_t>(chain[at / kBlock]) * kBlock + at % kBlock];
 }
 
-bool ReferenceStore::ChainWrite(std::int32_t start, std::int64_t offset, const std::uint8_t* data,
-                                std::int32_t length) {
-    return Transfer(start, offset, length, [&](std::size_t at, std::int32_t done, std::int32_t piece) {
-        std::memcpy(host.data() + at, data + done, static_cast<std::size_t>(piece));
-    });
+void ReferenceStore::PutBytes(std::int32_t start, std::int64_t position, const std::uint8_t* bytes,
+                              std::size_t count) {
+    const Chain chain = ChainFrom(start);
+    for (std::size_t i = 0; i < count; ++i) HostByte(chain, position++) = bytes[i];
 }
 
-bool ReferenceStore::PutWord(std::int32_t block, std::uint32_t word) {
+void ReferenceStore::PutWord(std::int32_t block, std::uint32_t word) {
     StoreAt(header_, WordAt(block), word);
-    return ChainWrite(0, static_cast<std::int64_t>(WordAt(block)), header_.data() + WordAt(block), 4);
+    PutBytes(0, static_cast<std::int64_t>(WordAt(block)), header_.data() + WordAt(block), 4);
 }
 
-std::int32_t ReferenceStore::FindFree(std::int32_t start) const {
-    for (std::int32_t k = std::max(start, 0); k < block_count_; ++k)
-        if (!(Word(k) & kUsed)) return k + 1;
-    return 0;
-}
-
-std::int32_t ReferenceStore::LastOf(std::int32_t block) const {
-    while (NextOf(Word(block)) != 0) block = NextOf(Word(block)) - 1;
+std::int32_t ReferenceStore::FindFree() const {
+    std::int32_t block = 0;
+    while (block < block_count_ && (Word(block) & kUsed)) ++block;
     return block;
 }
 
-std::int32_t ReferenceStore::Grow() {
-    const auto capacity = static_cast<std::int32_t>((header_.size() - 101) / 4);
-    if (capacity > block_count_) {
-        host.resize(host.size() + kBlock);
-        return ++block_count_;
-    }
-    host.resize(host.size() + 2 * kBlock);
-    const std::int32_t n = block_count_;
-    block_count_ = n + 2;
-    header_.resize(header_.size() + kBlock);
-    const std::int32_t last = LastOf(0);
-    if (!PutWord(last, Word(last) | static_cast<std::uint32_t>(n + 1))) return 0;
-    if (!PutWord(n, Word(n) | kUsed)) return 0;
-    return n + 2;
+/// Takes a block as the last of the chain that ended with `last`, -1 for none.
+void ReferenceStore::TakeBlock(std::int32_t block, std::int32_t last) {
+    PutWord(block, kUsed);
+    if (last >= 0) PutWord(last, Word(last) | static_cast<std::uint32_t>(block + 1));
 }
 
-bool ReferenceStore::ExtendDirectory() {
-    std::int32_t k = FindFree(0);
-    if (k == 0) k = Grow();
-    if (k == 0) return false;
-    const Bytes zeros(kBlock);
-    if (!ChainWrite(k - 1, 0, zeros.data(), kBlock)) return false;
-    const std::int32_t last = LastOf(1);
-    if (!PutWord(last, Word(last) | static_cast<std::uint32_t>(k))) return false;
-    if (!PutWord(k - 1, Word(k - 1) | kUsed)) return false;
+/// One free block more, after a header block when there is no word for it.
+void ReferenceStore::Grow() {
+    const bool full = WordAt(block_count_ + 1) > header_.size();
+    const std::int32_t added = block_count_;
+    block_count_ += full ? 2 : 1;
+    host.resize(base_ + static_cast<std::size_t>(added) * kBlock);  // part of a block does not count
+    host.resize(base_ + static_cast<std::size_t>(block_count_) * kBlock);
+    if (!full) return;
+    const std::int32_t last = ChainFrom(0).back();
+    header_.resize(header_.size() + kBlock);
+    StoreAt(header_, WordAt(last), Word(last) | static_cast<std::uint32_t>(added + 1));
+    TakeBlock(added, last);
+}
+
+void ReferenceStore::ExtendDirectory() {
+    if (FindFree() == block_count_) Grow();
+    const std::int32_t block = FindFree();
+    PutBytes(block, 0, Bytes(kBlock).data(), kBlock);
+    TakeBlock(block, ChainFrom(1).back());
     directory_.resize(directory_.size() + kBlock);
-    return true;
 }
 
 // ---- The directory -----------------------------------------------------------------------------------------------
 
-std::uint32_t ReferenceStore::FirstBlock(std::int32_t index) const {
-    return LoadAt<std::uint32_t>(directory_, At(index) + 1);
-}
-std::int64_t ReferenceStore::Size(std::int32_t index) const {
-    return static_cast<std::int64_t>(LoadAt<std::uint64_t>(directory_, At(index) + 5));
-}
-void ReferenceStore::SetSize(std::int32_t index, std::int64_t size) {
-    StoreAt(directory_, At(index) + 5, size);
+std::int32_t ReferenceStore::FirstBlock(std::int32_t index) const {
+    return LoadAt<std::int32_t>(directory_, At(index) + 1) - 1;
 }
 
-bool ReferenceStore::InUse(std::int32_t index) const {
-    return directory_[At(index)] == 1 || directory_[At(index)] == 2;
-}
-
-void ReferenceStore::Stamp(std::int32_t index, bool created, bool accessed, bool written) {
-    if (created) StoreStamp(directory_, At(index) + 13, now);
-    if (accessed) StoreStamp(directory_, At(index) + 21, now);
+void ReferenceStore::Stamp(std::int32_t index, bool written) {
+    StoreStamp(directory_, At(index) + 21, now);
     if (written) StoreStamp(directory_, At(index) + 29, now);
 }
 
-std::string ReferenceStore::NameOf(std::int32_t index) const {
-    std::string name;
-    for (std::size_t at = At(index) + 37; directory_[at] != 0; at += wide_ ? 2 : 1)
-        name += static_cast<char>(directory_[at]);
+std::u16string ReferenceStore::NameOf(std::int32_t index) const {
+    std::u16string name;
+    for (std::size_t at = At(index) + 37; at < At(index + 1); at += wide_ ? 2 : 1) {
+        const auto unit = wide_ ? LoadAt<std::uint16_t>(directory_, at) : directory_[at];
+        if (unit == 0) break;
+        name += static_cast<char16_t>(unit);
+    }
     return name;
 }
 
-std::int32_t ReferenceStore::Find(const std::string& name, bool any_kind) const {
-    for (std::int32_t i = 0; i < EntryCount(); ++i)
-        if ((any_kind ? InUse(i) : directory_[At(i)] == 1) && Folded(NameOf(i)) == Folded(name)) return i + 1;
+std::int32_t ReferenceStore::Find(std::int32_t package, const std::string& name) const {
+    const std::u16string wanted = FoldedName({name.begin(), name.end()});
+    for (std::int32_t i = 0; SlotOf(package) && i < EntryCount(); ++i)
+        if (InUse(i) && FoldedName(NameOf(i)) == wanted) return i + 1;
     return 0;
 }
 
 std::int32_t ReferenceStore::Add(const std::string& name) {
-    const auto first_free = [&] {
-        std::int32_t i = 0;
-        while (i < EntryCount() && InUse(i)) ++i;
-        return i;
-    };
-    if (first_free() == EntryCount() && !ExtendDirectory()) return 0;
-    const std::int32_t index = first_free();
-    if (index == EntryCount()) return 0;
+    std::int32_t index = 0;
+    while (index < EntryCount() && InUse(index)) ++index;
+    while (index == EntryCount()) ExtendDirectory();
     std::fill_n(directory_.begin() + static_cast<std::ptrdiff_t>(At(index)), EntrySize(), std::uint8_t{0});
     directory_[At(index)] = 1;
     for (std::size_t i = 0; i < name.size(); ++i)
         directory_[At(index) + 37 + i * (wide_ ? 2 : 1)] = static_cast<std::uint8_t>(name[i]);
-    Stamp(index, true, true, true);
-    return PutEntry(index) ? index + 1 : 0;
+    StoreStamp(directory_, At(index) + 13, now);
+    Stamp(index, true);
+    PutEntry(index);
+    return index + 1;
 }
 
+/// False when the host file may not be written.
 bool ReferenceStore::PutEntry(std::int32_t index) {
-    return ChainWrite(1, static_cast<std::int64_t>(At(index)), directory_.data() + At(index),
-                      static_cast<std::int32_t>(EntrySize()));
+    if (read_only_file_) return false;
+    PutBytes(1, static_cast<std::int64_t>(At(index)), directory_.data() + At(index), EntrySize());
+    return true;
 }
 
-bool ReferenceStore::Empty(std::int32_t index, File* file) {
-    SetSize(index, 0);
-    auto b = static_cast<std::int32_t>(FirstBlock(index));
+bool ReferenceStore::Empty(std::int32_t index) {
+    const Chain chain = ChainFrom(FirstBlock(index));
     StoreAt(directory_, At(index) + 1, std::uint32_t{0});
-    Stamp(index, false, true, true);
+    StoreAt(directory_, At(index) + 5, std::int64_t{0});
+    Stamp(index, true);
     if (!PutEntry(index)) return false;
-    while (b != 0) {
-        const std::uint32_t word = Word(b - 1);
-        if (!PutWord(b - 1, 0)) return false;
-        b = NextOf(word);
-    }
-    if (file) file->position = file->append_floor = 0;
+    for (const std::int32_t block : chain) PutWord(block, 0);
     return true;
 }
 
 void ReferenceStore::FillInfo(std::int32_t index, FileInfo* info) const {
-    info->kind = directory_[At(index)] == 1 ? 1 : 2;
+    info->kind = VLT_ENTRY_FILE;
     info->size = Size(index);
     info->created = LoadStamp(directory_, At(index) + 13);
     info->accessed = LoadStamp(directory_, At(index) + 21);
@@ -190,38 +146,54 @@ void ReferenceStore::FillInfo(std::int32_t index, FileInfo* info) const {
 
 // ---- Packages ----------------------------------------------------------------------------------------------------
 
-ReferenceStore::Slot* ReferenceStore::SlotOf(std::int32_t package) {
+const ReferenceStore::Slot* ReferenceStore::SlotOf(std::int32_t package) const {
     if (package < 1 || static_cast<std::size_t>(package) > slots_.size()) return nullptr;
-    Slot& slot = slots_[static_cast<std::size_t>(package) - 1];
+    const Slot& slot = slots_[static_cast<std::size_t>(package) - 1];
     return slot.used ? &slot : nullptr;
 }
 
-const ReferenceStore::Slot& ReferenceStore::BaseOf(const Slot& slot) const {
-    return slot.base_slot > 0 ? slots_[static_cast<std::size_t>(slot.base_slot) - 1] : slot;
+bool ReferenceStore::Grants(std::size_t field, const std::string& credential) const {
+    std::string stored;
+    for (std::size_t i = 16; i-- > 0;) stored += static_cast<char>(~header_[field + i]);
+    return stored.c_str() == credential;
 }
 
-std::int32_t ReferenceStore::Open(std::int32_t read_only) {
+std::int32_t ReferenceStore::Open(const PackageOpening& how, std::int32_t* error) {
+    *error = 5;
+    if (how.offset < 0 || how.read_only < 0 || how.read_only > 1) return 0;
     std::size_t free = 0, base = 0;
     while (free < slots_.size() && slots_[free].used) ++free;
     while (base < slots_.size() && !(slots_[base].used && slots_[base].base_slot == 0)) ++base;
-    Slot opened{.used = true, .read_only = read_only != 0, .base_slot = 0, .files = {}};
+    Slot opened{
+        .used = true, .read_only = how.read_only != 0, .exclusive = how.exclusive, .base_slot = 0, .files = {}};
     if (base < slots_.size()) {
+        *error = 4;
+        if (slots_[base].exclusive || (read_only_file_ && how.read_only == 0)) return 0;
         opened.base_slot = static_cast<std::int32_t>(base) + 1;
+        opened.exclusive = false;
     } else {  // a first opening reads the images again
+        *error = 1;
+        if (how.offset != static_cast<std::int64_t>(base_)) return 0;
         const PackageImage image(host, base_);
         header_ = image.header;
         directory_ = image.directory;
+        opened.read_only = opened.read_only || how.read_only_file;
     }
+    *error = 2;
+    if (!Grants(21, how.write_credential)) opened.read_only = true;
+    if (!Grants(21, how.write_credential) && !Grants(5, how.read_credential)) return 0;
+    if (opened.base_slot == 0) read_only_file_ = how.read_only_file;
     if (free == slots_.size()) slots_.emplace_back();
     slots_[free] = opened;
+    *error = 0;
     return static_cast<std::int32_t>(free) + 1;
 }
 
 std::int32_t ReferenceStore::Close(std::int32_t package) {
-    Slot* slot = SlotOf(package);
-    if (!slot) return 0;
-    const bool was_base = slot->base_slot == 0;
-    *slot = {};
+    if (!SlotOf(package)) return 0;
+    Slot& slot = slots_[static_cast<std::size_t>(package) - 1];
+    const bool was_base = slot.base_slot == 0;
+    slot = {};
     std::int32_t successor = 0;
     for (std::size_t i = 0; was_base && i < slots_.size(); ++i) {
         if (slots_[i].base_slot != package) continue;
@@ -243,45 +215,34 @@ bool ReferenceStore::MayShare(std::int32_t entry_number, std::uint32_t mode, boo
     return true;
 }
 
-std::int32_t ReferenceStore::TakeSlot(Slot& slot, std::int32_t entry_number, std::uint32_t mode, OpenHow how) {
-    std::size_t i = 0;
-    while (i < slot.files.size() && slot.files[i].entry_number > 0) ++i;
-    if (i == slot.files.size()) slot.files.resize(slot.files.size() + 128);
-    File& file = slot.files[i] = {};
-    file.mode = mode;
-    file.exclusive = how.exclusive;
-    file.entry_number = entry_number;
-    if (mode == VLT_MODE_APPEND) file.position = file.append_floor = Size(entry_number - 1);
-    if (how.truncate && !Empty(entry_number - 1, &file)) return 0;
-    return static_cast<std::int32_t>(i) + 1;
-}
-
 std::uint32_t ReferenceStore::OpenFile(std::int32_t package, const std::string& name, std::uint32_t mode, OpenHow how,
                                        std::uint32_t* error) {
     *error = 2;
-    if (mode > VLT_MODE_APPEND || (how.truncate && mode != VLT_MODE_WRITE)) return 0;
-    Slot* slot = SlotOf(package);
-    if (!slot) return 0;
+    if (mode > VLT_MODE_APPEND || (how.truncate && mode != VLT_MODE_WRITE) || !SlotOf(package)) return 0;
+    Slot& slot = slots_[static_cast<std::size_t>(package) - 1];
+    std::int32_t number = Find(package, name);
     *error = 3;
-    if (mode != VLT_MODE_READ && slot->read_only) return 0;
-    std::int32_t number = Find(name, false);
+    if (mode != VLT_MODE_READ && slot.read_only) return 0;
     if (number != 0 && !MayShare(number, mode, how.exclusive)) return 0;
     *error = 4;
-    if (number == 0 && mode != VLT_MODE_READ) number = Add(name);
+    if (number == 0 && mode != VLT_MODE_READ && name.size() <= 512) number = Add(name);
     if (number == 0) return 0;
-    *error = 1;
-    const std::int32_t taken = TakeSlot(*slot, number, mode, how);
-    if (taken == 0) return 0;
     *error = 0;
-    return static_cast<std::uint32_t>(package) << 16 | static_cast<std::uint32_t>(taken);
+    std::size_t i = 0;
+    while (i < slot.files.size() && slot.files[i].entry_number > 0) ++i;
+    if (i == slot.files.size()) slot.files.resize(slot.files.size() + 128);
+    if (how.truncate) Empty(number - 1);
+    const std::int64_t start = mode == VLT_MODE_APPEND ? Size(number - 1) : 0;
+    slot.files[i] = {mode, how.exclusive, start, start, number};
+    return static_cast<std::uint32_t>(package) << 16 | static_cast<std::uint32_t>(i + 1);
 }
 
 ReferenceStore::File* ReferenceStore::FileOf(std::uint32_t file, bool open) {
-    Slot* slot = SlotOf(static_cast<std::int32_t>(file >> 16));
-    const std::size_t number = file & 0xFFFF;
-    if (!slot || number < 1 || number > slot->files.size()) return nullptr;
-    File& found = slot->files[number - 1];
-    return !open || (found.entry_number >= 1 && found.entry_number <= EntryCount()) ? &found : nullptr;
+    const std::size_t package = file >> 16, number = file & 0xFFFF;
+    if (!SlotOf(static_cast<std::int32_t>(package))) return nullptr;
+    std::vector<File>& files = slots_[package - 1].files;
+    return number < 1 || number > files.size() || (open && files[number - 1].entry_number == 0) ? nullptr
+                                                                                                : &files[number - 1];
 }
 
 std::int32_t ReferenceStore::CloseFile(std::uint32_t file) {
@@ -291,61 +252,47 @@ std::int32_t ReferenceStore::CloseFile(std::uint32_t file) {
 }
 
 std::int32_t ReferenceStore::Read(std::uint32_t handle, std::uint8_t* buffer, std::int32_t length) {
-    if (length < 1) return 0;
     File* file = FileOf(handle, true);
-    if (!file) return 0;
+    if (length < 1 || !file) return 0;
     const std::int32_t index = file->entry_number - 1;
-    const std::int64_t left = std::max<std::int64_t>(Size(index) - file->position, 0);
+    const auto left = std::max<std::int64_t>(Size(index) - file->position, 0);
     const auto count = static_cast<std::int32_t>(std::min<std::int64_t>(length, left));
-    Stamp(index, false, true, false);
-    if (!BaseOf(*SlotOf(static_cast<std::int32_t>(handle >> 16))).read_only && !PutEntry(index)) return 0;
-    if (count == 0) return 0;
-    if (!ChainRead(static_cast<std::int32_t>(FirstBlock(index)) - 1, file->position, buffer, count)) return 0;
-    file->position += count;
+    const Slot& slot = slots_[(handle >> 16) - 1];
+    const Slot& base = slot.base_slot > 0 ? slots_[static_cast<std::size_t>(slot.base_slot) - 1] : slot;
+    Stamp(index, false);
+    if (!base.read_only) PutEntry(index);
+    const Chain chain = ChainFrom(FirstBlock(index));
+    for (std::int32_t i = 0; i < count; ++i) buffer[i] = HostByte(chain, file->position++);
     return count;
 }
 
-bool ReferenceStore::Reserve(File& file, std::int32_t length) {
+void ReferenceStore::Reserve(const File& file, std::int32_t length) {
     const std::int32_t index = file.entry_number - 1;
-    const std::int64_t end = file.position + length;
-    const std::int64_t held = (Size(index) + kBlock - 1) / kBlock;
-    if (Size(index) >= end || held * kBlock >= end) return true;
-    std::int64_t need = end - held * kBlock;
-    std::int64_t uncovered = need;
-    for (std::int32_t b = 0; uncovered > 0 && (b = FindFree(b)) != 0;) uncovered -= kBlock;
-    for (; uncovered > 0; uncovered -= kBlock)
-        if (Grow() == 0) return false;
-    if (FirstBlock(index) < 1) {
-        const std::int32_t b = FindFree(0);
-        if (b == 0 || !PutWord(b - 1, kUsed)) return false;
-        StoreAt(directory_, At(index) + 1, static_cast<std::uint32_t>(b));
-        if (!PutEntry(index)) return false;
-        need -= kBlock;
+    Chain chain = ChainFrom(FirstBlock(index));
+    const std::int64_t need =
+        (file.position + length + kBlock - 1) / kBlock - static_cast<std::int64_t>(chain.size());
+    std::int64_t missing = need;
+    for (std::int32_t block = 0; missing > 0 && block < block_count_; ++block) missing -= !(Word(block) & kUsed);
+    for (; missing > 0; --missing) Grow();
+    for (std::int64_t i = 0; i < need; ++i) {
+        const std::int32_t block = FindFree();
+        TakeBlock(block, chain.empty() ? -1 : chain.back());
+        if (chain.empty()) StoreAt(directory_, At(index) + 1, static_cast<std::uint32_t>(block + 1));
+        chain.push_back(block);
     }
-    std::int32_t last = LastOf(static_cast<std::int32_t>(FirstBlock(index)) - 1);
-    for (; need > 0; need -= kBlock) {
-        const std::int32_t b = FindFree(0);
-        if (b == 0) return false;
-        if (!PutWord(last, Word(last) | static_cast<std::uint32_t>(b))) return false;
-        if (!PutWord(b - 1, Word(b - 1) | kUsed)) return false;
-        last = b - 1;
-    }
-    return true;
 }
 
 std::int32_t ReferenceStore::Write(std::uint32_t handle, const std::uint8_t* buffer, std::int32_t length) {
     if (length < 1) return 1;
-    File* file = FileOf(handle, false);
-    if (!file || (file->mode != VLT_MODE_WRITE && file->mode != VLT_MODE_APPEND)) return 0;
-    if (file->mode == VLT_MODE_APPEND && file->position < file->append_floor) return 0;
-    file = FileOf(handle, true);
-    if (!file || !Reserve(*file, length)) return 0;
+    File* file = FileOf(handle, true);
+    if (!file || file->mode == VLT_MODE_READ || file->position < file->append_floor) return 0;
     const std::int32_t index = file->entry_number - 1;
-    if (!ChainWrite(static_cast<std::int32_t>(FirstBlock(index)) - 1, file->position, buffer, length)) return 0;
-    SetSize(index, std::max(Size(index), file->position + length));
-    Stamp(index, false, true, true);
-    if (!PutEntry(index)) return 0;
+    Reserve(*file, length);
+    PutBytes(FirstBlock(index), file->position, buffer, static_cast<std::size_t>(length));
     file->position += length;
+    StoreAt(directory_, At(index) + 5, std::max(Size(index), file->position));
+    Stamp(index, true);
+    PutEntry(index);
     return 1;
 }
 
@@ -353,8 +300,14 @@ std::int32_t ReferenceStore::SetPos(std::uint32_t handle, std::int64_t position)
     File* file = FileOf(handle, true);
     if (!file) return 0;
     const std::int64_t size = Size(file->entry_number - 1);
-    file->position = position == 0 ? 0 : position < 0 || position > size ? size : position;
+    file->position = position < 0 || (position > 0 && position > size) ? size : position;
     return 1;
+}
+
+std::int32_t ReferenceStore::SetPosBof(std::uint32_t handle) {
+    File* file = FileOf(handle, false);
+    if (file) file->position = 0;
+    return file ? 1 : 0;
 }
 
 std::int32_t ReferenceStore::GetPos(std::uint32_t handle, std::int64_t* position) {
@@ -376,15 +329,14 @@ std::int32_t ReferenceStore::IsBof(std::uint32_t handle) {
 // ---- Files by name -----------------------------------------------------------------------------------------------
 
 std::int32_t ReferenceStore::GetInfo(std::int32_t package, const std::string& name, FileInfo* info) {
-    const std::int32_t number = SlotOf(package) ? Find(name, true) : 0;
-    if (number == 0) return 0;
-    FillInfo(number - 1, info);
-    return 1;
+    const std::int32_t number = Find(package, name);
+    if (number != 0) FillInfo(number - 1, info);
+    return number != 0 ? 1 : 0;
 }
 
 std::int32_t ReferenceStore::SetTime(std::int32_t package, const std::string& name, double created, double accessed,
                                      double written) {
-    const std::int32_t number = SlotOf(package) ? Find(name, true) : 0;
+    const std::int32_t number = Find(package, name);
     if (number == 0) return 0;
     StoreStamp(directory_, At(number - 1) + 13, created);
     StoreStamp(directory_, At(number - 1) + 21, accessed);
@@ -393,18 +345,19 @@ std::int32_t ReferenceStore::SetTime(std::int32_t package, const std::string& na
 }
 
 std::int32_t ReferenceStore::Delete(std::int32_t package, const std::string& name) {
-    const std::int32_t number = SlotOf(package) ? Find(name, false) : 0;
-    if (number == 0 || !MayShare(number, VLT_MODE_WRITE, true) || !Empty(number - 1, nullptr)) return 0;
+    const std::int32_t number = Find(package, name);
+    if (number == 0 || !MayShare(number, VLT_MODE_WRITE, true) || !Empty(number - 1)) return 0;
     directory_[At(number - 1)] = 0;
-    return PutEntry(number - 1) ? 1 : 0;
+    PutEntry(number - 1);
+    return 1;
 }
 
 std::int32_t ReferenceStore::Enumerate(std::int32_t package, std::int32_t cursor, FileInfo* info) {
-    if (!SlotOf(package)) return 0;
-    for (std::int32_t i = std::max(cursor, 0); i < EntryCount(); ++i) {
+    for (std::int32_t i = std::max(cursor, 0); SlotOf(package) && i < EntryCount(); ++i) {
         if (!InUse(i)) continue;
         FillInfo(i, info);
-        info->name = NameOf(i);
+        info->name.clear();
+        for (const char16_t unit : NameOf(i)) info->name += static_cast<char>(unit);
         return i + 1;
     }
     return 0;
