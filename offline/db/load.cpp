@@ -11,6 +11,7 @@
 #include "offline/tables/data_file.h"
 #include "offline/tables/error_state.h"
 #include "offline/tables/table.h"
+#include "platform/disk_stream.h"
 
 namespace {
 
@@ -93,12 +94,22 @@ bool resolve_fields(KOfflineDb* db) {
     return true;
 }
 
+/// Whether a data file is there, even if it does not open now: taken for missing it would be an empty table, which
+/// the next save would write over it.
+bool is_there(KOfflineDb* db, const char* path) {
+    if (KOfflineDb_FileExists(db, path)) return true;
+    if (db->package < 1) return disk_path_kind(path) == PathKind::file;
+    std::uint32_t kind = 0;
+    return vlt_file_get_info(db->package, last_component(path), &kind, nullptr, nullptr, nullptr, nullptr) == 1 &&
+           kind == VLT_ENTRY_FILE;
+}
+
 bool read_tables(KOfflineDb* db, const char* path) {
     for (int table = 0; table < TABLE_COUNT; ++table) {
         char name[kFileNameSize];
         if (!form_file_name(path, kDataFiles[table], name)) return fail(db, KOFFLINE_ERR_FILE, name);
         const bool optional = table != TABLE_BITM && table != TABLE_BBOM;
-        if (optional && !KOfflineDb_FileExists(db, name)) continue;
+        if (optional && !is_there(db, name)) continue;
         if (!KOfflineTable_ReadFile(&db->tables[table], name, db->separator)) return false;
     }
     return true;

@@ -192,4 +192,17 @@ TEST_F(LoadPath, ThatHoldsNoDatabaseIsReportedAsFarAsItFits) {
     }
 }
 
+TEST_F(LoadPath, ToAFileThatIsThereButDoesNotOpenFails) {
+    const std::string path = Put(SmallDatabase(), Place::package);
+    const std::int32_t other = vlt_package_open(path.c_str(), 0, 0, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_GT(vlt_file_open(other, "bdwg.txt", VLT_MODE_READ, 1, 0, nullptr), 0);
+    Database db;
+    EXPECT_EQ(KOfflineDb_Load(db, path.c_str()), 0) << "a table without its records would be saved over them";
+    EXPECT_EQ(db->error_code, KOFFLINE_ERR_FILE);
+    EXPECT_EQ(db->error_text, path + "\\bdwg.txt");
+    vlt_package_close(other);
+    KOfflineDb_Reset(db);
+    EXPECT_EQ(KOfflineDb_Load(db, path.c_str()), 1);
+}
+
 }  // namespace
