@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // Positioned access to host files, the files that packages live in.
 // C linkage, here and in the rest of this folder: a test binds its own function in front of one of these at link
-// time, to make the n-th call fail or to record what is written.
+// time, to make the n-th call fail or to count what is held.
 #pragma once
 
 #include <cstddef>
