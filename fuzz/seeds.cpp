@@ -78,7 +78,8 @@ void WriteTextSeeds() {
     const std::string change = Chars({0, 0, 0, 0}) + "7,x\\cy,\x1f" + Chars({2, 2, 0, 2}) + "Q\x1f" +
                                Chars({18, 1, 0, 2, 0x1f, 0xfc, 1, 0, 3, 0x1f, 1, 2, 0, 0, 0x1f, 3, 1, 0, 0, 0x1f});
     const std::string reshape = Chars({6, 2, 0, 0}) + "41\x1f" + Chars({7, 0, 0, 4, 0x1f, 9, 0, 0, 0, 0x1f});
-    Write("table", "items", Chars({0, 5, 0}) + ReadText(bicycle + "/bitm.txt") + "\x1e" + index + find + reshape);
+    Write("table", "items",
+          Chars({0, 5, 1}) + ReadText(bicycle + "/bitm.txt").substr(0, 400) + "\x1e" + index + find + reshape);
     Write("table", "small",
           Chars({0, 3, 1}) + "1,a,b\r\n,A , c\\n\n2,,// d\r3,z,a,b,c\r\n//\n4\x1e" + index + change + find + reshape +
               Chars({8, 0, 0, 0, 0x1f}));

@@ -118,6 +118,7 @@ constexpr FaultKind kFaultKinds[] = {
     {"a host call is cut short", kFaultHost, FaultManner::cut_short, false},
     {"the reply of a host call is lost", kFaultHost, FaultManner::lost_reply, false},
     {"the disk is full", kFaultWrite + kFaultExtend, FaultManner::cut_short, true},
+    {"disk streams are cut short", kFaultDisk, FaultManner::cut_short, true},
     {"memory runs out once", kFaultSystem, FaultManner::cleanly, false},
     {"memory runs out", kFaultSystem, FaultManner::cleanly, true},
 };

@@ -31,7 +31,7 @@ TEST_F(DataFiles, AreWhatTheReferenceSays) {
     constexpr char letters[] = "\t\t,;|\r\n\n//\\\\ctn  1a";
     const auto text = [&](std::size_t length) {
         std::string made;
-        while (length-- > 0) made += letters[random() % sizeof letters];
+        while (length-- > 0) made += letters[random() % (sizeof letters - 1)];
         return made;
     };
     for (int round = 0; round < 300; ++round) {
@@ -85,7 +85,13 @@ TEST_F(DataFiles, HoldValuesSeparatorsAndRecordsOfAnySize) {
     EXPECT_EQ(Read("f").substr(0, 80001), "1" + longest + longest);
     std::string many;
     for (int i = 0; i < 50000; ++i) many += std::to_string(i) + "\tvalue of the record\t" + std::to_string(-i) + "\n";
-    EXPECT_EQ(Parsed(many).back(), "49999|value of the record|-49999");
+    const Strings rows = Parsed(many);
+    EXPECT_EQ(rows.back(), "49999|value of the record|-49999");
+    KOfflineTable_Clear(table_);
+    EXPECT_EQ(KOfflineTable_ParseLines(table_, many.c_str(), "\t"), 1);
+    ASSERT_EQ(KOfflineTable_WriteFile(table_, At("f").c_str(), "<fifteen bytes>"), 1);
+    ASSERT_EQ(KOfflineTable_ReadFile(table_, At("f").c_str(), "<fifteen bytes>"), 1);
+    EXPECT_TRUE(table_.Rows() == rows);
 }
 
 TEST_F(DataFiles, AFileThatIsNotThereLeavesNoRecords) {

@@ -60,8 +60,8 @@ TEST(Sort, SearchFindsTheWholeRangeOfEqualElements) {
         std::string keys;
         for (int i = 0; i < size; ++i) keys += static_cast<char>('A' + i / 3 * 2);
         for (char key = '@'; key < 'z'; ++key) {
-            void* first = nullptr;
-            void* last = nullptr;
+            void* first = &key;
+            void* last = &key;
             const int found = KArray_SearchRange(&key, keys.data(), size, 1, &first, &last, CompareChars, nullptr);
             const auto [low, high] = std::equal_range(keys.data(), keys.data() + size, key);
             ASSERT_EQ(found, low != high) << size << key;

@@ -105,6 +105,11 @@ TEST_P(Load, AddsFieldsThatAreMissingAndNeedsNoFilesOfOptionalTables) {
         "BCAPP.NID BCAPP.CCODE BCAPP.CNAME BCAPP.CSRC BCAPP.CFILE BCAPP.COFLNMODI BCAPP.NOFLNITMID",
         "BITCAP.NID BITCAP.NPID BITCAP.NCID"};
     for (int i = 0; i < 6; ++i) EXPECT_EQ(FieldNames(&db_->tables[i]), fields[i]);
+    KOfflineDb_Reset(db_);
+    Files declared = SmallDatabase();
+    for (const char* name : {"bdwg.txt", "bitdwg.txt", "bcapp.txt", "bitcap.txt"}) declared.erase(name);
+    EXPECT_EQ(LoadFrom(declared), 1) << db_->error_text;
+    for (int i = 2; i < 6; ++i) EXPECT_EQ(KOfflineTable_GetRecsCount(&db_->tables[i]), 0);
 }
 
 TEST_P(Load, TakesTheSchemaAsPeopleWriteIt) {
@@ -114,7 +119,7 @@ TEST_P(Load, TakesTheSchemaAsPeopleWriteIt) {
         "1, INI // settings\r\n1.1, other, x\r\n1.1, Segment, semicolon\r\n1.1, root, it // em\r\n1.1, root\r\n"
         "1, odd\r\n1.1, field, X\r\n1.1.1, any\r\n"
         "1, table, foo\r\n1.1, field, Y\r\n"
-        "1, TABLE, Bitm // items\r\n\r\n// fields\r\n1.1, FIELD, BITM.nid, number\r\n1.1, field,\r\n"
+        "1, TABLE, Bitm // items\r\n\r\n// fields\r\n1.1, FIELD\t,\tBITM.nid , number\r\n1.1, field,\r\n"
         "1.1, colour, red\r\n1.1.1, field, Z\r\n1.1, field, ccode\r\n"
         "1, table,\r\n1.1, field, lost\r\n"
         "1, table, bbom\r\n1.1, field, NID\r\n1.1, field, NPID\r\n"
@@ -188,7 +193,7 @@ TEST_F(LoadPath, ThatHoldsNoDatabaseIsReportedAsFarAsItFits) {
         EXPECT_EQ(KOfflineDb_Load(db, path.empty() ? nullptr : path.c_str()), 0);
         EXPECT_EQ(db->error_code, text.empty() ? KOFFLINE_ERR_NONE : KOFFLINE_ERR_FILE) << path;
         EXPECT_EQ(db->error_text, text);
-        EXPECT_EQ(KOfflineDb_GetPackageHandle(db) > 0, path == wide);
+        EXPECT_EQ(KOfflineDb_GetPackageHandle(db) == 0, path != wide);
     }
 }
 

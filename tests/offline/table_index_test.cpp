@@ -21,6 +21,15 @@ TEST(Index, OrdersValuesAsTextWithLettersFoldedAndNoValueFirst) {
     EXPECT_EQ(texts.Index("A"), (Records{5, 2, 4, 6, 0, 1, 3}));
 }
 
+TEST(Search, OfNumbersComparesThemAsText) {
+    Table table({"NID"});
+    for (int i = 5; i < 105; ++i) table.Add(std::to_string(i));
+    EXPECT_EQ(KOfflineTable_LoadIdx(table, "NID"), 1);
+    for (int i = 0; i < 3; ++i)
+        EXPECT_EQ(table.Find("NID", "7"), Records{2}) << "more than once, which prepares a table";
+    for (const char* none : {"07", "4", "105", "+7", ""}) EXPECT_EQ(table.Find("NID", none), Records{-1}) << none;
+}
+
 TEST(Index, KeepsAMendedOrderOfEqualValuesUntilTheNextRefresh) {
     Table table({"A"}, {"x", "X", "x", "x"});
     EXPECT_EQ(KOfflineTable_LoadIdx(table, "A"), 1);
@@ -34,6 +43,9 @@ TEST(Index, KeepsAMendedOrderOfEqualValuesUntilTheNextRefresh) {
     table.Add("y");
     EXPECT_EQ(table.Find("A", "x"), (Records{1, 0})) << "and two";
     EXPECT_EQ(KOfflineTable_Search(table, 0, "x", nullptr, 5), 2);
+    while (KOfflineTable_DelRec(table, 0)) {
+    }
+    EXPECT_EQ(table.Find("A", "x"), Records{-1});
 }
 
 TEST(Index, OfAFieldThatIsNotThereIsRefusedWithItsNameAsItWasGiven) {

@@ -61,8 +61,11 @@ std::string Line(int distinct, Random& random) {
 }
 
 std::string Call(int call, int distinct, Random& random) {
-    const int field = Below(call == kIndex ? 3 : 256, random);  // one field stays without index
-    std::string text = Below(4, random) ? Value(distinct, random) : Nid(distinct, random);
+    int field = Below(3, random);  // of an index; one field stays without
+    if (call != kIndex) field = Below(8, random) ? 1 + Below(4, random) : Below(256, random);
+    const bool of_nid = field == 1 || Below(4, random) == 0;
+    std::string text = of_nid ? Nid(distinct, random) : Value(distinct, random);
+    if (of_nid && call == kFind && Below(8, random) == 0) text = "0" + text;
     if (call == kAdd) text = Line(distinct, random);
     const bool is_long = call == kSet && distinct < 100 && Below(50, random) == 0;
     if (call != kAdd) call += is_long ? kLong : Below(4, random) == 0 ? kHeld : 0;
@@ -73,7 +76,7 @@ std::string Call(int call, int distinct, Random& random) {
 
 TEST_F(DatabaseTest, ARandomTableIsWhatTheReferenceSays) {
     for (const Mixture& mix : kMixtures) {
-        Random random(static_cast<unsigned>(mix.steps + mix.distinct));
+        Random random(static_cast<unsigned>(&mix - kMixtures + 1));
         std::discrete_distribution<int> next(mix.weights.begin(), mix.weights.end());
         std::string script{mix.shape, 0, '\x1e'};
         for (int i = 0; i < mix.records + mix.steps; ++i)

@@ -4,6 +4,7 @@
 #include <climits>
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "tests/support/table.h"
@@ -94,6 +95,9 @@ TEST(Records, AValueMayBeginNoFartherThanByte32767) {
     EXPECT_EQ(table.Get(0, 1), limit.substr(1)) << "a refused value changes nothing";
     EXPECT_EQ(KOfflineTable_SetFldValue(table, 0, 2, std::string(100000, 'y').c_str()), 1) << "the last may be long";
     EXPECT_EQ(KOfflineTable_DelRec(table, 1) + KOfflineTable_SetFldValue(table, INT_MIN, 0, "x"), 0);
+    EXPECT_EQ(KOfflineTable_CopyRec(table, 1), -1);
+    for (const auto& [record, field] : {std::pair(0, 3), std::pair(0, -1), std::pair(1, 0), std::pair(-1, 0)})
+        EXPECT_EQ(table.Get(record, field), nullptr);
     EXPECT_EQ(table.error(), KOFFLINE_ERR_NONE) << "a number out of range is not reported";
 }
 
