@@ -1,11 +1,13 @@
 // SPDX-License-Identifier: MIT
 // A package, sound or damaged, and a script of calls: what tests/support/store_script.h promises of it.
+#include <filesystem>
 #include <map>
 
 #include "fuzz/package_script.h"
 #include "fuzz/support.h"
+#include "platform/clock.h"
+#include "tests/support/host_faults.h"
 #include "tests/support/store_script.h"
-#include "vlt/time_stamp.h"
 
 namespace {
 
@@ -74,8 +76,18 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     host.insert(host.end(), images[kind].begin(), images[kind].end());
     ApplyPatches(input, host, base);
     WriteHostFile(Path(), host);
-    const StoreScript script{
-        Path(), base, 0, 8, 3 * kBlock + 2, [] { return vlt_stamp_clock().vlt_stamp_now(); }, TickClock, LimitHost};
+    const StoreScript script{Path(),
+                             base,
+                             0,
+                             8,
+                             3 * kBlock + 2,
+                             [] { return static_cast<std::time_t>(clock_seconds()); },
+                             TickClock,
+                             [](int blocks) {
+                                 LimitHostFiles(static_cast<std::int64_t>(std::filesystem::file_size(Path()) +
+                                                                          static_cast<std::size_t>(blocks) * kBlock));
+                             },
+                             HostLimitReached};
     RequireNone(script.Run(input, 100));
     ResetHost();
     return 0;

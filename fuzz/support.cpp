@@ -1,12 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "fuzz/support.h"
 
-#include <sys/resource.h>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <optional>
 
 #include "platform/clock.h"
 #include "platform/multibyte.h"
@@ -17,7 +14,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::int64_t kFirstSecond = 1'100'000'000;
-constexpr rlim_t kLongestFile = 64 << 20;  // what a damaged package can ask for must not fill the machine
+constexpr std::int64_t kLongestFile = 64 << 20;  // what a damaged package can ask for must not fill the machine
 
 class Folder {
 public:
@@ -25,9 +22,7 @@ public:
         std::string made = (fs::exists("/dev/shm") ? "/dev/shm" : fs::temp_directory_path()) / "vlt_fuzz.XXXXXX";
         Require(::mkdtemp(made.data()) != nullptr);
         path = made;
-        const rlimit limit{kLongestFile, kLongestFile};
-        Require(::setrlimit(RLIMIT_FSIZE, &limit) == 0);
-        std::signal(SIGXFSZ, SIG_IGN);  // a file that grows too long is a failed write
+        LimitHostFiles(kLongestFile);
     }
     ~Folder() { fs::remove_all(path); }
     Folder(const Folder&) = delete;
@@ -41,8 +36,6 @@ Folder& ScratchFolder() {
     return folder;
 }
 
-std::optional<Fault> full_disk;
-bool was_full = false;  // before the present limit was set
 std::int64_t seconds_now = kFirstSecond;
 bool double_bytes = false;
 
@@ -64,22 +57,11 @@ std::string Scratch(const std::string& name) {
 }
 
 void ResetHost() {
-    full_disk.reset();
-    was_full = false;
+    LimitHostFiles(kLongestFile);
     UseDoubleBytes(false);
     seconds_now = kFirstSecond;
     Require(HeldNow() == HeldResources{});
     for (const fs::directory_entry& entry : fs::directory_iterator(ScratchFolder().path)) fs::remove_all(entry);
-}
-
-void LimitHost(int nth) {
-    was_full = HostWasFull();
-    full_disk.reset();
-    full_disk.emplace(kFaultWrite + kFaultExtend, nth, FaultManner::cleanly, true);
-}
-
-bool HostWasFull() {
-    return was_full || (full_disk && full_disk->hit());
 }
 
 void TickClock(int seconds) {

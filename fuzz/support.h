@@ -23,9 +23,6 @@ std::string Scratch(const std::string& name);
 /// character set are as they were at first.
 void ResetHost();
 
-/// From now on the `nth` write to a host file, or extension of one, fails, and so do all after it.
-void LimitHost(int nth);
-bool HostWasFull();
 void TickClock(int seconds);
 /// Bytes from 0x81 on lead a character of two bytes, whose second byte may be any but zero.
 void UseDoubleBytes(bool on);

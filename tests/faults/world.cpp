@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
+#include <iterator>
 
 namespace {
 
@@ -74,7 +76,8 @@ std::optional<Bytes> Find(const Model& files, const std::string& name) {
 
 const PackageState& StateNamed(const std::string& name) {
     PackageState* state = states;
-    while (state->name != name) ++state;
+    while (state != std::end(states) && state->name != name) ++state;
+    if (state == std::end(states)) std::abort();
     if (state->host.empty()) Make(*state);
     return *state;
 }
@@ -237,7 +240,10 @@ std::optional<Bytes> Operation::Applied(std::optional<Bytes> file) const {
 }
 
 const Operation& OperationNamed(const std::string& name) {
-    return *std::find_if(kOperations.begin(), kOperations.end(), [&](auto& one) { return one.name == name; });
+    const auto found =
+        std::find_if(kOperations.begin(), kOperations.end(), [&](auto& one) { return one.name == name; });
+    if (found == kOperations.end()) std::abort();
+    return *found;
 }
 
 Model After(const Operation& operation, Model files) {

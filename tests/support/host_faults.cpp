@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "tests/support/host_faults.h"
 
+#include <algorithm>
 #include <atomic>
+#include <cstdlib>
 
 #include "base/heap.h"
 #include "platform/disk_stream.h"
@@ -17,6 +19,9 @@ int calls_left = 0;
 FaultManner armed_manner = FaultManner::cleanly;
 bool armed_from_then_on = false;
 bool fault_hit = false;
+
+std::int64_t longest_file = INT64_MAX;
+std::atomic<bool> limit_reached{false};
 
 std::atomic<long> blocks{0}, files{0}, streams{0}, mutexes{0}, locks{0};
 
@@ -47,7 +52,21 @@ bool Transfer(FaultCall call, std::size_t length, Move move) {
     return false;
 }
 
+/// An offset that the library must never come to.
+void RequireInside(std::int64_t offset) {
+    if (offset < 0) std::abort();
+}
+
 }  // namespace
+
+void LimitHostFiles(std::int64_t length) {
+    longest_file = length;
+    limit_reached = false;
+}
+
+bool HostLimitReached() {
+    return limit_reached;
+}
 
 Fault::Fault(unsigned calls, int nth, FaultManner manner, bool from_then_on) {
     armed_calls = calls;
@@ -143,14 +162,22 @@ bool __wrap_host_size(int fd, std::int64_t* size) {
 }
 
 bool __wrap_host_read(int fd, std::int64_t offset, void* buffer, std::size_t length) {
+    RequireInside(offset);
     return Transfer(kFaultRead, length, [&](std::size_t n) { return __real_host_read(fd, offset, buffer, n); });
 }
 
 bool __wrap_host_write(int fd, std::int64_t offset, const void* data, std::size_t length) {
-    return Transfer(kFaultWrite, length, [&](std::size_t n) { return __real_host_write(fd, offset, data, n); });
+    RequireInside(offset);
+    return Transfer(kFaultWrite, length, [&](std::size_t n) {
+        const std::int64_t room = std::max<std::int64_t>(longest_file - offset, 0);
+        const auto fitting = static_cast<std::size_t>(std::min(room, static_cast<std::int64_t>(n)));
+        if (fitting < n) limit_reached = true;
+        return (fitting == 0 || __real_host_write(fd, offset, data, fitting)) && fitting == n;
+    });
 }
 
 bool __wrap_host_extend(int fd, std::int64_t offset, std::int64_t length) {
+    RequireInside(offset);
     return Transfer(kFaultExtend, static_cast<std::size_t>(length),
                     [&](std::size_t n) { return __real_host_extend(fd, offset, static_cast<std::int64_t>(n)); });
 }

@@ -3,6 +3,8 @@
 // n-th call fail, and count what is held. fault_tests and the fuzz targets link them.
 #pragma once
 
+#include <cstdint>
+
 /// The calls that may fail. A set of them is a sum.
 enum FaultCall : unsigned {
     kFaultOpen = 1,
@@ -24,6 +26,12 @@ enum class FaultManner {
     lost_reply,  // everything is done, and failure is reported
     stops        // half of the bytes of the first call that fails, nothing from then on: a process that ends
 };
+
+/// From now on host files hold no bytes at this offset and beyond: what fits is written, and a write that does not
+/// fit fails.
+void LimitHostFiles(std::int64_t length);
+/// Whether the present limit made a write fail.
+bool HostLimitReached();
 
 /// Makes calls fail for the length of its scope; one at a time.
 class Fault {

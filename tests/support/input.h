@@ -28,11 +28,6 @@ public:
     }
     /// The same without what follows a zero byte.
     std::string CText(char mark = '\0') { return Text(mark).c_str(); }
-    std::string Rest() {
-        std::string text(at_, end_);
-        at_ = end_;
-        return text;
-    }
 
 private:
     const std::uint8_t* at_;

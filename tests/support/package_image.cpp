@@ -250,6 +250,12 @@ std::u16string FoldedName(std::u16string name) {
     return name;
 }
 
+std::u16string FoldedName(const std::string& narrow) {
+    std::u16string name;
+    for (const char c : narrow) name += static_cast<unsigned char>(c);
+    return FoldedName(std::move(name));
+}
+
 std::map<std::u16string, Bytes> SoundFiles(const PackageImage& image) {
     std::vector<int> owners(static_cast<std::size_t>(std::max(image.block_count, 0)));
     std::map<std::u16string, int> bearers;

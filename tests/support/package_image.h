@@ -99,3 +99,5 @@ std::string Faults(const PackageImage& image, const Leniency& leniency = {});
 std::map<std::u16string, Bytes> SoundFiles(const PackageImage& image);
 /// The letters A to Z made small, as names are compared.
 std::u16string FoldedName(std::u16string name);
+/// The same of a narrow name, as images hold it.
+std::u16string FoldedName(const std::string& narrow);

@@ -99,7 +99,7 @@ std::u16string ReferenceStore::NameOf(std::int32_t index) const {
 }
 
 std::int32_t ReferenceStore::Find(std::int32_t package, const std::string& name) const {
-    const std::u16string wanted = FoldedName({name.begin(), name.end()});
+    const std::u16string wanted = FoldedName(name);
     for (std::int32_t i = 0; SlotOf(package) && i < EntryCount(); ++i)
         if (InUse(i) && FoldedName(NameOf(i)) == wanted) return i + 1;
     return 0;

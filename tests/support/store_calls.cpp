@@ -2,8 +2,6 @@
 #include "tests/support/store_calls.h"
 
 #include <cstring>
-#include <ctime>
-
 namespace {
 
 template <typename Narrow, typename Wide, typename... Rest>
@@ -82,9 +80,8 @@ Bytes Pattern(const std::string& seed, std::size_t length) {
     return bytes;
 }
 
-double StampNow() {
-    const std::time_t now = std::time(nullptr);
-    const std::tm* t = std::localtime(&now);
+double StampOf(std::time_t second) {
+    const std::tm* t = std::localtime(&second);
     const double date = (t->tm_year + 1900) * 10000.0 + (t->tm_mon + 1) * 100.0 + t->tm_mday;
     return date + (t->tm_hour * 10000.0 + t->tm_min * 100.0 + t->tm_sec) / 1000000.0;
 }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ctime>
 #include <string>
 
 #include "tests/support/package_image.h"
@@ -48,5 +49,5 @@ std::int64_t PositionOf(std::uint32_t file);
 /// `length` bytes that differ from one seed to the next.
 Bytes Pattern(const std::string& seed, std::size_t length);
 
-/// The stamp of the present second.
-double StampNow();
+/// The stamp of a second.
+double StampOf(std::time_t second);

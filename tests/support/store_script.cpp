@@ -11,11 +11,18 @@
 
 namespace {
 
+/// Where the file of a call stands afterwards.
+struct Standing {
+    std::int64_t open = 0, position = 77, at_start = 0, at_end = 0;
+    bool operator==(const Standing&) const = default;
+};
+
 /// What a call gives back, and the listing that follows it.
 struct Result {
     std::vector<std::int64_t> numbers;
     Bytes bytes = {};
     std::vector<FileInfo> infos = {};
+    Standing file = {};
     bool operator==(const Result&) const = default;
 };
 
@@ -40,10 +47,16 @@ std::int32_t Open(const std::string& path, const PackageOpening& how, std::int32
 
 constexpr std::size_t kEndless = 10000;  // files of a listing
 
+struct OpenedFile {
+    std::u16string name;  // folded
+    std::uint32_t mode;
+};
+
 class Runner {
 public:
     Runner(const StoreScript& script, Input& input) : script_(script), input_(input) {
         const PackageImage image = Image();
+        wide_ = image.wide;
         kept_ = SoundFiles(image);
         sound_ = Faults(image).empty();
         for (const ImageEntry& entry : image.entries) {
@@ -72,7 +85,8 @@ private:
         const std::uint8_t handle = input_.Byte(), name = input_.Byte();
         how_ = input_.Byte();
         number_ = input_.Number(3);
-        if (call_ == kFillDisk && script_.fill_disk) FillDisk();
+        if (call_ == kReopen && handle >= 64) call_ = kTick;
+        if (call_ == kFillDisk && script_.fill_disk) script_.fill_disk(how_);
         if (call_ == kReopen) CloseAll();
         if (call_ == kTick && script_.tick) script_.tick(how_);
         if (packages_.empty() && (call_ != kReopen || how_ < 128)) how_ = script_.read_only_base;
@@ -81,6 +95,7 @@ private:
         file_ = handle < 250 && !files_.empty() ? files_[handle % files_.size()] : number_ % 0x50000;
         const std::size_t lengths[] = {0, 8, 512, 513};
         name_ = (name < 192 ? "f" : "F") + std::to_string(name % 64 % script_.files);
+        if (name % 64 == 62) name_ = static_cast<char>(number_ % (wide_ ? 127 : 255) + 1);
         if (name % 64 == 63) name_ = std::string(lengths[name / 64], how_ % 2 ? 'N' : 'n');
         return Both();
     }
@@ -89,14 +104,18 @@ private:
         vlt_package_close_all();
         if (reference_) reference_->CloseAll();
         packages_.clear();
+        opened_.clear();
     }
 
-    /// From now on any call may fail half way, and what is known are the files that are left alone.
-    void FillDisk() {
-        CloseAll();
-        if (reference_) kept_ = SoundFiles(Image());
+    /// The disk was full: any call may have failed half way, and what is known are the files that it was not to
+    /// change and that are left alone.
+    void ForgetChanging() {
+        full_ = true;
+        if (!reference_) return;
+        kept_ = SoundFiles(PackageImage(reference_->host, script_.base));
+        for (const auto& [handle, file] : opened_)
+            if (file.mode != VLT_MODE_READ) kept_.erase(file.name);
         reference_.reset();
-        script_.fill_disk(how_);
     }
 
     PackageOpening Opening() const {
@@ -123,11 +142,10 @@ private:
     /// else on the library.
     Result Run(ReferenceStore* r) const {
         Result result = Make(r);
-        std::int64_t told = 77;
-        const std::int32_t open = r ? r->GetPos(file_, &told) : vlt_file_get_pos(file_, &told);
-        const std::int32_t bof = r ? r->IsBof(file_) : vlt_file_is_bof(file_);
-        const std::int32_t eof = r ? r->IsEof(file_) : vlt_file_is_eof(file_);
-        result.numbers.insert(result.numbers.end(), {open, told, bof, eof});
+        Standing& file = result.file;
+        file.open = r ? r->GetPos(file_, &file.position) : vlt_file_get_pos(file_, &file.position);
+        file.at_start = r ? r->IsBof(file_) : vlt_file_is_bof(file_);
+        file.at_end = r ? r->IsEof(file_) : vlt_file_is_eof(file_);
         FileInfo info;
         const std::int32_t package = packages_.empty() ? 0 : packages_[0];
         for (std::int32_t at = 0; result.infos.size() < kEndless; result.infos.push_back(info)) {
@@ -164,7 +182,7 @@ private:
         }
         if (call_ == kSeek) {
             const std::int64_t ends[] = {-1, 0, INT64_MAX, INT64_MIN};
-            const std::int64_t to = how_ % 2 ? ends[how_ / 2 % 4] : Length();
+            const std::int64_t to = how_ % 4 == 1 ? ends[how_ / 4 % 4] : Length();
             if (how_ < 16) return {{r ? r->SetPosBof(file_) : vlt_file_set_pos_bof(file_)}};
             return {{r ? r->SetPos(file_, to) : vlt_file_set_pos(file_, to)}};
         }
@@ -184,43 +202,84 @@ private:
 
     /// Whether a result is among the documented ones.
     bool Documented(const Result& found) const {
-        const std::int64_t* asked = found.numbers.data() + found.numbers.size() - 4;
-        const std::int64_t result = found.numbers[0], code = found.numbers[1];
-        if (found.infos.size() >= kEndless || asked[3] < -1 || asked[3] > 1) return false;
-        if (asked[0] == 1 ? asked[2] != (asked[1] <= 0) : asked[1] != 0 || asked[2] != -1) return false;
-        if (Opens()) return (result != 0) == (code == 0) && code >= 0 && code <= (call_ == kOpenFile ? 4 : 5);
+        const Standing& file = found.file;
+        const std::int64_t result = found.numbers[0];
+        if (found.infos.size() >= kEndless || file.at_end < -1 || file.at_end > 1) return false;
+        if (file.open == 1 ? file.at_start != (file.position <= 0) : file.position != 0 || file.at_start != -1)
+            return false;
+        if (Opens()) {
+            const std::int64_t code = found.numbers[1];
+            return (result != 0) == (code == 0) && code >= 0 && code <= (call_ == kOpenFile ? 4 : 5);
+        }
+        const auto opened = opened_.find(file_);
+        if (opened != opened_.end() && (call_ == kCloseFile || call_ == kSeek)) return result == 1;
+        if (opened != opened_.end() && call_ == kWrite && opened->second.mode == VLT_MODE_READ)
+            return result == (Length() < 1);
         if (call_ == kRead) return result >= 0 && result <= std::max(Length(), 0);
         if (call_ == kInfo) return result == (found.infos[0].kind != 99);
         return result == 1 || (result == 0 && !(call_ == kWrite && Length() < 1));
     }
 
-    /// Runs the call on both sides. The clock may strike within the library's call, and then either second is right.
+    /// Whether a result tells of a file that the script has not changed what it holds.
+    bool IsOfKept(const Result& found) const {
+        if (full_) return true;
+        if (call_ == kInfo && found.numbers[0] == 1) {
+            const auto kept = kept_.find(FoldedName(name_));
+            return kept == kept_.end() || found.infos[0].size == static_cast<std::int64_t>(kept->second.size());
+        }
+        const auto opened = opened_.find(file_);
+        if (call_ != kRead || opened == opened_.end()) return true;
+        const auto kept = kept_.find(opened->second.name);
+        if (kept == kept_.end()) return true;
+        const auto size = static_cast<std::int64_t>(kept->second.size()), count = found.numbers[0];
+        const std::int64_t from = std::min(found.file.position - count, size);
+        return from >= 0 && count == std::min<std::int64_t>(std::max(Length(), 0), size - from) &&
+               std::equal(found.bytes.begin(), found.bytes.begin() + count, kept->second.begin() + from);
+    }
+
+    /// Runs the call on both sides.
     std::string Both() {
         if (call_ == kClosePackage) std::erase(packages_, package_);
         if (call_ == kCloseFile && how_ % 8 < 7) std::erase(files_, file_);
-        if (call_ == kDelete || (call_ == kOpenFile && Mode() != VLT_MODE_READ))
-            kept_.erase(FoldedName({name_.begin(), name_.end()}));
-        const double before = script_.now();
+        const std::time_t begun = script_.now();
         const Result found = Run(nullptr);
-        const double after = script_.now();
-        std::unique_ptr<ReferenceStore> again;
-        if (reference_ && before != after) again = std::make_unique<ReferenceStore>(*reference_);
+        const std::time_t ended = script_.now();
+        if (script_.disk_was_full && script_.disk_was_full()) ForgetChanging();
+        if ((call_ == kDelete && (full_ || found.numbers[0] == 1)) || (call_ == kOpenFile && Mode() != VLT_MODE_READ))
+            kept_.erase(FoldedName(name_));
         if (!Documented(found)) return "an undocumented result";
-        std::string wrong = Difference(found, before);
-        if (again && !wrong.empty()) {
-            reference_ = std::move(again);
-            wrong = Difference(found, after);
-        }
-        const std::int64_t opened = Opens() ? found.numbers[0] : 0;
-        if (opened != 0 && call_ == kOpenFile) files_.push_back(static_cast<std::uint32_t>(opened));
-        if (opened != 0 && call_ != kOpenFile) packages_.push_back(static_cast<std::int32_t>(opened));
+        if (!IsOfKept(found)) return "what a file holds";
+        const std::string wrong = Difference(found, begun, ended);
+        Note(found.numbers[0]);
         return wrong;
     }
 
-    /// Runs the call on the reference; says what is not the same then.
-    std::string Difference(const Result& found, double now) {
+    /// Keeps what was opened, and forgets what was closed.
+    void Note(std::int64_t result) {
+        const auto file = static_cast<std::uint32_t>(result);
+        if (call_ == kOpenFile && result != 0) files_.push_back(file);
+        if (call_ == kOpenFile && result != 0) opened_[file] = {FoldedName(name_), Mode()};
+        if (Opens() && call_ != kOpenFile && result != 0) packages_.push_back(static_cast<std::int32_t>(result));
+        if (call_ == kCloseFile) opened_.erase(file_);
+        if (call_ == kClosePackage)
+            std::erase_if(opened_, [&](const auto& one) { return static_cast<int>(one.first >> 16) == package_; });
+    }
+
+    /// Runs the call on the reference; says what is not the same then. The clock may strike within the library's
+    /// call, and then any of its seconds is right.
+    std::string Difference(const Result& found, std::time_t begun, std::time_t ended) {
         if (!reference_) return "";
-        reference_->now = now;
+        const std::unique_ptr<ReferenceStore> before =
+            begun == ended ? nullptr : std::make_unique<ReferenceStore>(*reference_);
+        std::string wrong = DifferenceAt(begun, found);
+        for (std::time_t second = begun + 1; second <= ended && !wrong.empty(); ++second) {
+            *reference_ = *before;
+            wrong = DifferenceAt(second, found);
+        }
+        return wrong;
+    }
+    std::string DifferenceAt(std::time_t second, const Result& found) {
+        reference_->now = StampOf(second);
         if (!(Run(reference_.get()) == found)) return "the result";
         const std::int64_t at = FirstDifference(script_.path, reference_->host);
         return at < 0 ? "" : "the host file from " + std::to_string(at) + " on";
@@ -229,12 +288,12 @@ private:
     /// With nothing open: what is not in the host file, or does not read back, as it was.
     std::string FilesFault() const {
         const PackageImage image = Image();
-        const bool full = reference_ == nullptr;
-        const std::string faults = sound_ ? Faults(image, {full, full, full, full}) : "";
+        const std::string faults = sound_ ? Faults(image, {full_, full_, full_, full_}) : "";
         const std::map<std::u16string, Bytes> left = SoundFiles(image);
         const PackageOpening how{1, true, false, static_cast<std::int64_t>(script_.base), "r", "w"};
         std::int32_t code = 0;
         const std::int32_t package = Open(script_.path, how, &code);
+        if (sound_ && package == 0) return "a sound package that does not open";
         for (const auto& [name, bytes] : kept_) {
             if (!left.count(name) || left.at(name) != bytes) return "a file that has changed";
             const WideName wide(name.begin(), name.end());
@@ -252,11 +311,13 @@ private:
 
     const StoreScript& script_;
     Input& input_;
-    bool sound_;                                 // at first
+    bool wide_, sound_;                          // at first
+    bool full_ = false;                          // the disk, at some time
     std::unique_ptr<ReferenceStore> reference_;  // null when something else may be right
     std::map<std::u16string, Bytes> kept_;       // files that the script has not changed, by folded name
     std::vector<std::int32_t> packages_;
     std::vector<std::uint32_t> files_;
+    std::map<std::uint32_t, OpenedFile> opened_;  // those of them that are open
 
     // The call that is run.
     std::uint8_t call_ = 0, how_ = 0;

@@ -23,24 +23,27 @@ enum Call : std::uint8_t {
     kDelete = 86,
     kInfo = 92,
     kSetTime = 96,
-    kReopen = 100,    // closes all packages and opens one
+    kReopen = 100,    // closes all packages and opens one, if the handle is below 64
     kTick = 101,      // so many seconds pass
-    kFillDisk = 102,  // so many changes of the host file still succeed
+    kFillDisk = 102,  // so many blocks still fit
     kCallEnd = 103
 };
 // Handle: one of those that were opened; from 250 on, any number. Name: which file, and how it is spelled.
-// How, to open a file: its mode, 0x3C for an exclusive open, 0x40 to truncate. See store_script.cpp for the others.
+// How, to open a file: its mode, 0x3C for an exclusive open, 0x40 of its upper two bits to truncate. See
+// store_script.cpp for the others.
 
 struct StoreScript {
-    std::string path;               // of the host file
-    std::size_t base;               // where in it the package begins; its credentials are "r" and "w"
-    std::uint8_t read_only_base;    // of the opening that the script begins with
-    std::uint32_t files;            // different names
-    std::uint32_t largest;          // bytes of the largest write
-    std::function<double()> now;    // the stamp of the present second
-    std::function<void(int)> tick;  // lets seconds pass, if it is there
-    std::function<void(int)>
-        fill_disk;  // lets the n-th change of the host file and all later ones fail, if it is there
+    std::string path;                  // of the host file
+    std::size_t base;                  // where in it the package begins; its credentials are "r" and "w"
+    std::uint8_t read_only_base;       // of the opening that the script begins with
+    std::uint32_t files;               // different names
+    std::uint32_t largest;             // bytes of the largest write
+    std::function<std::time_t()> now;  // the present second
+
+    // What a fuzz target can do besides.
+    std::function<void(int)> tick = {};        // lets seconds pass
+    std::function<void(int)> fill_disk = {};   // lets the host file grow so many blocks and no more
+    std::function<bool()> disk_was_full = {};  // since then
 
     /// Runs at most so many calls; says what was wrong, nothing if all was well.
     std::string Run(Input input, int calls) const;

@@ -116,6 +116,18 @@ TEST_F(PackageOpening, HandlesOutliveTheGrowthOfTheTable) {
     EXPECT_EQ(1, Open());
 }
 
+TEST_F(PackageOpening, TheShortFormHandsItsArgumentsOn) {
+    Create();
+    vlt_package_close_all();
+    package = vlt_package_open(path.c_str(), 1, 0, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(VLT_FILE_ACCESS, OpenError(package, "a", VLT_MODE_WRITE));
+    EXPECT_GT(Open(), 0) << "not exclusive";
+    vlt_package_close_all();
+    package = vlt_package_open(path.c_str(), 0, 1, nullptr, nullptr, nullptr, nullptr);
+    EXPECT_EQ(VLT_FILE_OK, OpenError(package, "a", VLT_MODE_WRITE));
+    EXPECT_EQ(VLT_OPEN_ACCESS, OpenErrorOf({.read_only = 1}));
+}
+
 struct Patch {
     const char* name;
     std::size_t offset;
