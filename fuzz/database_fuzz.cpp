@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // A whole database, in a directory or in a package that may be damaged: load, every accessor, changes, save, load.
+#include <algorithm>
 #include <cstring>
 #include <vector>
 
@@ -67,7 +68,8 @@ void Change(KOfflineDb* db) {
     UseAll(db);
 }
 
-/// What is saved, loaded and saved again stays the same, once saving has brought it into its own form.
+/// What is saved, loaded and saved again stays the same, once saving has brought it into its own form. Only the root,
+/// which the schema ends with, may be another item each time, where items share numbers and codes.
 void CheckSaved(KOfflineDb* db) {
     if (!KOfflineDb_Save(db)) return Require(db->error_code != KOFFLINE_ERR_NONE);
     if (db->package != 0 || (std::strcmp(db->separator, "\t") != 0 && std::strcmp(db->separator, ",") != 0)) return;
@@ -77,6 +79,8 @@ void CheckSaved(KOfflineDb* db) {
         if (!KOfflineDb_Load(again, db->path)) return;
         Require(KOfflineDb_Save(again) == 1);
         files = StoredFiles(again, again->path);
+        std::string& schema = files["kdbmain.txt"];
+        schema.resize(std::min(schema.rfind("1.1, root, "), schema.size()));
     }
     Require(saved[1] == saved[2]);
 }

@@ -42,6 +42,19 @@ TEST_P(Save, WritesChangesAndAddedFieldsThatALoadReadsBack) {
     EXPECT_EQ(KOfflineDb_GetNIDByCCODE(db_, "lamp"), 5);
 }
 
+/// The code of the first item of a number, and the number of the first item of a code, need not lead back.
+TEST_P(Save, KeepsSomeRootWhereItemsShareNumbersAndCodes) {
+    KOfflineTable* items = KOfflineDb_GetTable_BITM(db_);
+    KOfflineTable_Clear(items);
+    for (const char* line : {"1\tY", "1\tX", "2\tX", "2\tY"}) KOfflineTable_AddRec(items, line, "\t");
+    EXPECT_EQ(KOfflineDb_SetRootNode(db_, 0), 1);
+    for (int round = 0; round < 4; ++round) {
+        EXPECT_EQ(KOfflineDb_Save(db_), 1);
+        Load();
+        EXPECT_EQ(KOfflineDb_GetRootNodes(db_, nullptr, 0), 1);
+    }
+}
+
 TEST_P(Save, WritesHundredsOfFields) {
     KOfflineTable* items = KOfflineDb_GetTable_BITM(db_);
     for (int i = 0; i < 700; ++i) ASSERT_GE(KOfflineTable_AddFld(items, ("FIELD" + std::to_string(i)).c_str()), 4);
