@@ -231,9 +231,10 @@ private:
         if (call_ != kRead || opened == opened_.end()) return true;
         const auto kept = kept_.find(opened->second.name);
         if (kept == kept_.end()) return true;
-        const auto size = static_cast<std::int64_t>(kept->second.size()), count = found.numbers[0];
-        const std::int64_t from = std::min(found.file.position - count, size);
-        return from >= 0 && count == std::min<std::int64_t>(std::max(Length(), 0), size - from) &&
+        const auto size = static_cast<std::ptrdiff_t>(kept->second.size());
+        const auto count = static_cast<std::ptrdiff_t>(found.numbers[0]);
+        const auto from = static_cast<std::ptrdiff_t>(std::min<std::int64_t>(found.file.position - count, size));
+        return from >= 0 && count == std::min<std::ptrdiff_t>(std::max(Length(), 0), size - from) &&
                std::equal(found.bytes.begin(), found.bytes.begin() + count, kept->second.begin() + from);
     }
 
