@@ -105,6 +105,7 @@ private:
         if (reference_) reference_->CloseAll();
         packages_.clear();
         opened_.clear();
+        read_only_file_ = false;
     }
 
     /// The disk was full: any call may have failed half way, and what is known are the files that it was not to
@@ -246,7 +247,9 @@ private:
         const Result found = Run(nullptr);
         const std::time_t ended = script_.now();
         if (script_.disk_was_full && script_.disk_was_full()) ForgetChanging();
-        if ((call_ == kDelete && (full_ || found.numbers[0] == 1)) || (call_ == kOpenFile && Mode() != VLT_MODE_READ))
+        const bool half_done = full_ || read_only_file_;  // a failed deletion may be, as long as the package is open
+        if ((call_ == kDelete && (half_done || found.numbers[0] == 1)) ||
+            (call_ == kOpenFile && Mode() != VLT_MODE_READ))
             kept_.erase(FoldedName(name_));
         if (!Documented(found)) return "an undocumented result";
         if (!IsOfKept(found)) return "what a file holds";
@@ -260,6 +263,7 @@ private:
         const auto file = static_cast<std::uint32_t>(result);
         if (call_ == kOpenFile && result != 0) files_.push_back(file);
         if (call_ == kOpenFile && result != 0) opened_[file] = {FoldedName(name_), Mode()};
+        if (Opens() && call_ != kOpenFile && result != 0) read_only_file_ |= Opening().read_only_file;
         if (Opens() && call_ != kOpenFile && result != 0) packages_.push_back(static_cast<std::int32_t>(result));
         if (call_ == kCloseFile) opened_.erase(file_);
         if (call_ == kClosePackage)
@@ -314,6 +318,7 @@ private:
     Input& input_;
     bool wide_, sound_;                          // at first
     bool full_ = false;                          // the disk, at some time
+    bool read_only_file_ = false;                // some opening of this session
     std::unique_ptr<ReferenceStore> reference_;  // null when something else may be right
     std::map<std::u16string, Bytes> kept_;       // files that the script has not changed, by folded name
     std::vector<std::int32_t> packages_;
