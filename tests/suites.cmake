@@ -50,7 +50,7 @@ function(vlt_suite name folder library)
     set(scratch ${PROJECT_BINARY_DIR}/scratch/${name})
     file(MAKE_DIRECTORY ${scratch})
     add_test(NAME ${name} COMMAND ${name} --gtest_brief=1 WORKING_DIRECTORY ${scratch})
-    set_tests_properties(${name} PROPERTIES LABELS suite TIMEOUT 600)
+    set_tests_properties(${name} PROPERTIES LABELS suite TIMEOUT 1200)
 endfunction()
 
 vlt_suite(store_tests vlt vlt)
