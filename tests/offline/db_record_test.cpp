@@ -39,8 +39,12 @@ TEST(NoDatabase, AnswersAsOneThatHoldsNothing) {
     ExpectNothingIn(none);
     EXPECT_EQ(KOfflineDb_Load(none, "x") + KOfflineDb_SaveAs(none, "x"), 0);
     EXPECT_EQ(KOfflineDb_InitUserData(none, 8, 0), nullptr);
-    EXPECT_EQ(KOfflineDb_GetTable_BITM(none), nullptr);
-    EXPECT_EQ(KOfflineDb_GetFld_BITM_NID(none), -1);
+    for (const auto table : {KOfflineDb_GetTable_BITM, KOfflineDb_GetTable_BBOM, KOfflineDb_GetTable_BDWG,
+                             KOfflineDb_GetTable_BITDWG, KOfflineDb_GetTable_BCAPP, KOfflineDb_GetTable_BITCAP})
+        EXPECT_EQ(table(none), nullptr);
+    for (const auto field :
+         {KOfflineDb_GetFld_BITM_NID, KOfflineDb_GetFld_BBOM_FCOUNT, KOfflineDb_GetFld_BITCAP_NCID})
+        EXPECT_EQ(field(none), -1);
 }
 
 void ExpectEmpty(KOfflineDb* db) {
