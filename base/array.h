@@ -9,6 +9,8 @@
 
 #include "base/heap.h"
 
+namespace vlt {
+
 template <typename T>
 class Array {
     static_assert(std::is_trivially_copyable_v<T>);
@@ -65,10 +67,10 @@ public:
         std::swap(capacity_, other.capacity_);
     }
 
-    /// Forgets elements from the end; never allocates.
+    /// Drops elements from the end; never allocates.
     void shrink(std::size_t count) { size_ = count < size_ ? count : size_; }
 
-    /// Forgets the elements and gives the memory back.
+    /// Drops all elements and gives the memory back.
     void clear() {
         heap_free(data_);
         data_ = nullptr;
@@ -80,3 +82,5 @@ private:
     std::size_t size_ = 0;
     std::size_t capacity_ = 0;
 };
+
+}  // namespace vlt

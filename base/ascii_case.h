@@ -3,6 +3,8 @@
 // codes compare the same way under every locale and on every target.
 #pragma once
 
+namespace vlt {
+
 /// A to Z become a to z; every other code unit stays as it is.
 template <typename Unit>
 constexpr Unit fold_case(Unit unit) {
@@ -22,3 +24,5 @@ inline int compare_fold(const char* a, const char* b) {
 inline bool equals_fold(const char* a, const char* b) {
     return compare_fold(a, b) == 0;
 }
+
+}  // namespace vlt

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Builds with sanitizers compare every derived structure with the plain truth after each operation.
+// Builds with sanitizers compare every derived structure after each operation with what it is derived from.
 #pragma once
 
 #include <cstdlib>
@@ -8,9 +8,13 @@
 #define VLT_CHECK_DERIVED 0
 #endif
 
+namespace vlt {
+
 inline constexpr bool check_derived = VLT_CHECK_DERIVED != 0;
 
-/// Ends the process when a derived structure has left the truth; a build without the checks never calls it.
+/// Ends the process when an invariant of a derived structure does not hold. Builds without the checks never call it.
 inline void check_truth(bool holds) {
     if (!holds) std::abort();
 }
+
+}  // namespace vlt

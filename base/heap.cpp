@@ -3,6 +3,8 @@
 
 #include <cstdlib>
 
+namespace vlt {
+
 void* heap_alloc(std::size_t size) {
     return std::malloc(size ? size : 1);
 }
@@ -18,3 +20,5 @@ void* heap_resize(void* block, std::size_t size) {
 void heap_free(void* block) {
     std::free(block);
 }
+
+}  // namespace vlt

@@ -5,6 +5,8 @@
 
 #include <cstddef>
 
+namespace vlt {
+
 extern "C" {
 
 /// Returns `size` uninitialised bytes, or null when memory runs out. A size of 0 counts as 1.
@@ -59,3 +61,5 @@ public:
 private:
     T* block_ = nullptr;
 };
+
+}  // namespace vlt

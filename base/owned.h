@@ -7,6 +7,8 @@
 
 #include "base/heap.h"
 
+namespace vlt {
+
 struct HeapDelete {
     template <typename T>
     void operator()(T* object) const {
@@ -24,3 +26,11 @@ Owned<T> make_owned() {
     void* room = heap_alloc(sizeof(T));
     return Owned<T>(room ? ::new (room) T() : nullptr);
 }
+
+/// Destroys an object that its owner let go of; null is ignored.
+template <typename T>
+void destroy(T* object) {
+    if (object) HeapDelete{}(object);
+}
+
+}  // namespace vlt

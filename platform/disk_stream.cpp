@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
-// The part of disk streams that every runtime library does alike.
+// What is the same with every runtime library.
 #include "platform/disk_stream.h"
+
+namespace vlt {
 
 std::size_t disk_read(std::FILE* stream, void* buffer, std::size_t length) {
     return std::fread(buffer, 1, length, stream);
@@ -17,3 +19,5 @@ bool disk_flush(std::FILE* stream) {
 bool disk_close(std::FILE* stream) {
     return std::fclose(stream) == 0;
 }
+
+}  // namespace vlt

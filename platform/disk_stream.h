@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <cstdio>
 
+namespace vlt {
+
 enum class DiskMode { read, write };
 
 extern "C" {
@@ -16,24 +18,18 @@ std::FILE* disk_open(const char* path, DiskMode mode);
 /// Reads up to `length` bytes; returns how many arrived, 0 at the end or on failure.
 std::size_t disk_read(std::FILE* stream, void* buffer, std::size_t length);
 
-/// Writes exactly `length` bytes; fewer is a failure.
+/// Writes exactly `length` bytes; a shorter transfer is a failure.
 bool disk_write(std::FILE* stream, const void* data, std::size_t length);
 
-/// Hands everything written so far to the host; false when it does not take it.
+/// Flushes the buffer of the stream; false when the host does not take it.
 bool disk_flush(std::FILE* stream);
 
-/// Stores the length of the file in bytes and leaves the stream at its start.
+/// Stores the length of the file in bytes, of 64 bits on every system, and leaves the stream at its start.
 bool disk_size(std::FILE* stream, std::int64_t* size);
 
 /// Closes the stream; false when what was written could not be stored.
 bool disk_close(std::FILE* stream);
 
-/// Removes a file.
-void disk_remove(const char* path);
-
-enum class PathKind { missing, directory, file };
-
-/// Tells what a path names. No character of a path is a wildcard.
-PathKind disk_path_kind(const char* path);
-
 }  // extern "C"
+
+}  // namespace vlt

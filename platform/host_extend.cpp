@@ -3,8 +3,10 @@
 
 #include "platform/host_file.h"
 
+namespace vlt {
+
 bool host_extend(int fd, std::int64_t offset, std::int64_t length) {
-    // Written, not left as a hole: a full disk is met here, where nothing depends on the new bytes yet.
+    // Zeros are written instead of leaving a hole, so that a full disk shows before anything depends on the bytes.
     static const char zeros[64 * 1024] = {};
     while (length > 0) {
         const auto piece = static_cast<std::size_t>(std::min<std::int64_t>(length, sizeof zeros));
@@ -14,3 +16,5 @@ bool host_extend(int fd, std::int64_t offset, std::int64_t length) {
     }
     return true;
 }
+
+}  // namespace vlt

@@ -7,6 +7,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace vlt {
+
 extern "C" {
 
 /// Opens an existing file in binary mode, for reading or for reading and writing; never creates one.
@@ -19,13 +21,15 @@ void host_close(int fd);
 /// Stores the length of the file in bytes.
 bool host_size(int fd, std::int64_t* size);
 
-/// Reads exactly `length` bytes at `offset`; fewer is a failure.
+/// Reads exactly `length` bytes at `offset`; a shorter transfer is a failure.
 bool host_read(int fd, std::int64_t offset, void* buffer, std::size_t length);
 
-/// Writes exactly `length` bytes at `offset`; fewer is a failure, and what was written stays.
+/// Writes exactly `length` bytes at `offset`; a shorter transfer is a failure, and what was written stays.
 bool host_write(int fd, std::int64_t offset, const void* data, std::size_t length);
 
-/// Makes the file `length` bytes longer than `offset`, its present end; the new bytes are zero.
+/// Appends `length` zero bytes at `offset`, the end of the file.
 bool host_extend(int fd, std::int64_t offset, std::int64_t length);
 
 }  // extern "C"
+
+}  // namespace vlt

@@ -3,6 +3,8 @@
 // code page on Windows, the current C locale elsewhere.
 #pragma once
 
+namespace vlt {
+
 extern "C" {
 
 /// The character after the one at `text`. A lead byte right before the terminator steps onto the terminator, and
@@ -14,3 +16,5 @@ const char* multibyte_next(const char* text);
 bool multibyte_ascii_is_whole();
 
 }  // extern "C"
+
+}  // namespace vlt

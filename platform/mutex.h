@@ -2,6 +2,8 @@
 // The mutex of one package.
 #pragma once
 
+namespace vlt {
+
 struct HostMutex;
 
 extern "C" {
@@ -27,3 +29,5 @@ public:
 private:
     HostMutex* mutex_;
 };
+
+}  // namespace vlt

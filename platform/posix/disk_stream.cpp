@@ -5,6 +5,8 @@
 
 #include "platform/posix/posix_path.h"
 
+namespace vlt {
+
 std::FILE* disk_open(const char* path, DiskMode mode) {
     const PosixPath native(path);
     if (!native.get()) return nullptr;
@@ -22,15 +24,4 @@ bool disk_size(std::FILE* stream, std::int64_t* size) {
     return true;
 }
 
-void disk_remove(const char* path) {
-    const PosixPath native(path);
-    struct stat info;  // never a device that could not be written
-    if (native.get() && ::lstat(native.get(), &info) == 0 && S_ISREG(info.st_mode)) std::remove(native.get());
-}
-
-PathKind disk_path_kind(const char* path) {
-    const PosixPath native(path);
-    struct stat info;
-    if (!native.get() || ::stat(native.get(), &info) != 0) return PathKind::missing;
-    return S_ISDIR(info.st_mode) ? PathKind::directory : PathKind::file;
-}
+}  // namespace vlt

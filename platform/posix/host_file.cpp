@@ -8,6 +8,8 @@
 
 #include "platform/posix/posix_path.h"
 
+namespace vlt {
+
 int host_open(const char* path, bool writable) {
     const PosixPath native(path);
     if (!native.get()) return -1;
@@ -58,3 +60,5 @@ bool host_write(int fd, std::int64_t offset, const void* data, std::size_t lengt
     }
     return true;
 }
+
+}  // namespace vlt

@@ -1,6 +1,8 @@
 // SPDX-License-Identifier: MIT
 #include "platform/module.h"
 
+namespace vlt {
+
 namespace {
 
 __attribute__((constructor)) void on_load() {
@@ -12,3 +14,5 @@ __attribute__((destructor)) void on_unload() {
 }
 
 }  // namespace
+
+}  // namespace vlt

@@ -6,6 +6,8 @@
 #include <cstring>
 #include <cwchar>
 
+namespace vlt {
+
 const char* multibyte_next(const char* text) {
     const auto lead = static_cast<unsigned char>(*text);
     if (lead < 0x80) return lead ? text + 1 : text;
@@ -18,3 +20,5 @@ const char* multibyte_next(const char* text) {
 bool multibyte_ascii_is_whole() {
     return MB_CUR_MAX == 1 || std::strcmp(::nl_langinfo(CODESET), "UTF-8") == 0;
 }
+
+}  // namespace vlt

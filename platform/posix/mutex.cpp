@@ -6,6 +6,8 @@
 
 #include "base/heap.h"
 
+namespace vlt {
+
 struct HostMutex {
     pthread_mutex_t native;
 };
@@ -31,3 +33,5 @@ void mutex_lock(HostMutex* mutex) {
 void mutex_unlock(HostMutex* mutex) {
     pthread_mutex_unlock(&mutex->native);
 }
+
+}  // namespace vlt

@@ -6,6 +6,8 @@
 
 #include "base/heap.h"
 
+namespace vlt {
+
 /// A path in the host's spelling, for the length of one call.
 class PosixPath {
 public:
@@ -21,3 +23,5 @@ public:
 private:
     HeapBlock<char> copy_;
 };
+
+}  // namespace vlt

@@ -2,19 +2,25 @@
 #include "platform/clock.h"
 
 #include <windows.h>
-#include <ctime>
+
+namespace vlt {
+
+// By name the 64-bit functions: `std::time` has 32 bits here, and gives nothing but -1 from 2038 on.
 
 std::int64_t clock_seconds() {
-    return std::time(nullptr);
+    return ::_time64(nullptr);
 }
 
-LocalTime clock_local(std::int64_t seconds) {
-    const auto time = static_cast<std::time_t>(seconds);
-    const auto part = [](int value) { return static_cast<std::uint16_t>(value); };
-    if (const std::tm* local = std::localtime(&time))  // one buffer a thread in this runtime
-        return {part(local->tm_year + 1900), part(local->tm_mon + 1), part(local->tm_mday),
-                part(local->tm_hour),        part(local->tm_min),     part(local->tm_sec)};
+bool clock_local(std::int64_t seconds, LocalTime* local) {
+    const __time64_t time = seconds;
+    if (const std::tm* calendar = ::_localtime64(&time)) {  // one buffer a thread in this runtime
+        *local = local_time(*calendar);
+        return true;
+    }
     SYSTEMTIME now;
     ::GetLocalTime(&now);
-    return {now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond};
+    *local = {now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond};
+    return false;
 }
+
+}  // namespace vlt

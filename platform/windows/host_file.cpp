@@ -6,6 +6,8 @@
 #include <stdio.h>
 #include <algorithm>
 
+namespace vlt {
+
 int host_open(const char* path, bool writable) {
     return ::_open(path, _O_BINARY | _O_NOINHERIT | (writable ? _O_RDWR : _O_RDONLY));
 }
@@ -44,3 +46,5 @@ bool host_write(int fd, std::int64_t offset, const void* data, std::size_t lengt
     }
     return true;
 }
+
+}  // namespace vlt

@@ -3,6 +3,8 @@
 
 #include <windows.h>
 
+namespace vlt {
+
 namespace {
 
 HANDLE native(HostMutex* mutex) {
@@ -26,3 +28,5 @@ void mutex_lock(HostMutex* mutex) {
 void mutex_unlock(HostMutex* mutex) {
     ::ReleaseMutex(native(mutex));
 }
+
+}  // namespace vlt
