@@ -8,15 +8,17 @@
 
 #include "base/array.h"
 
-/// A row of consecutive blocks; in the host file one stretch of bytes.
-struct vlt_run {
+namespace vlt {
+
+/// Consecutive blocks; in the host file one stretch of bytes.
+struct Run {
     std::int32_t block;
     std::int32_t count;
 };
 
-/// The known beginning of a chain. The block map is the truth; the block store extends this from it on demand, and
-/// forgets it when the chain is released.
-class vlt_chain {
+/// The known beginning of a chain. The block map is the truth; it is followed on demand, and what is known is
+/// forgotten when the chain is released.
+class Chain {
 public:
     /// Blocks known so far.
     std::int32_t length() const { return length_; }
@@ -38,18 +40,19 @@ public:
     }
 
     /// The run that holds the block at `position`, from that block on; the position must be known.
-    vlt_run run_at(std::int32_t position) const {
+    Run run_at(std::int32_t position) const {
         const Break* after = std::upper_bound(breaks_.begin(), breaks_.end(), position,
                                               [](std::int32_t p, const Break& b) { return p < b.position; });
         const Break run = after == breaks_.begin() ? Break{0, start_} : after[-1];
         const std::int32_t end = after == breaks_.end() ? length_ : after->position;
         return {run.block + (position - run.position), end - position};
     }
+    std::int32_t block_at(std::int32_t position) const { return run_at(position).block; }
 
     /// Forgets the blocks from `length` on.
     void shorten(std::int32_t length) {
         if (length >= length_) return;
-        if (length > 0) last_ = run_at(length - 1).block;
+        if (length > 0) last_ = block_at(length - 1);
         while (!breaks_.empty() && breaks_.back().position >= length) breaks_.shrink(breaks_.size() - 1);
         length_ = length;
     }
@@ -58,11 +61,7 @@ public:
     void clear() {
         breaks_.clear();
         length_ = 0;
-        end_is_own = false;
     }
-
-    /// What the chain holds beyond the stored bytes has been found to be no other file's.
-    bool end_is_own = false;
 
 private:
     /// A block that does not lie right after the one before it.
@@ -75,3 +74,5 @@ private:
     std::int32_t last_ = 0;
     std::int32_t length_ = 0;
 };
+
+}  // namespace vlt

@@ -1,37 +1,41 @@
 // SPDX-License-Identifier: MIT
-// The directory of stored files: finding an entry, making one, writing one back, emptying a file. Callers hold the
+// The directory of stored files: finding an entry, making one, freeing one, writing one back. Callers hold the
 // package's mutex. Entries are named by their index here; a handle keeps the entry number, the index plus 1.
 #pragma once
 
 #include <cstdint>
 
-#include "vlt/block_store.h"
+#include "vlt/store.h"
+
+namespace vlt {
 
 /// Which entries a lookup finds.
-enum class vlt_lookup {
+enum class Lookup {
     files,   // stored files
     in_use,  // also entries of another maker
 };
 
-inline constexpr std::int32_t vlt_no_entry = -1;
+inline constexpr std::int32_t no_entry = -1;
 
-/// Stores the lowest entry of that name, `vlt_no_entry` when there is none. False when memory runs out.
+/// Stores the lowest entry of that name, `no_entry` when there is none. False when memory runs out.
 template <typename Char>
-bool vlt_dir_find(vlt_store& store, const Char* name, vlt_lookup lookup, std::int32_t* index);
+bool vlt_dir_find(Store& store, const Char* name, Lookup lookup, std::int32_t* index);
 
 /// Makes the entry of a new file in the lowest free entry, growing the directory when there is none. Returns its
-/// index, or `vlt_no_entry`; an entry whose writing failed stays in the image.
+/// index, or `no_entry`; an entry whose writing failed stays in the image.
 template <typename Char>
-std::int32_t vlt_dir_add(vlt_store& store, const Char* name);
+std::int32_t vlt_dir_add(Store& store, const Char* name);
 
 /// Writes one entry through. When that fails the image keeps it.
-bool vlt_dir_put(vlt_store& store, std::int32_t index);
+bool vlt_dir_put(Store& store, std::int32_t index);
+
+/// Notes that a stamp of reading is kept in the image alone.
+void keep_stamp_here(Store& store, std::int32_t index);
 
 /// Frees an entry in the image; its other bytes stay until it is used again.
-void vlt_dir_free(vlt_store& store, std::int32_t index);
+void free_entry(Store& store, std::int32_t index);
 
-/// Makes a file empty and frees its blocks. The entry is written first: a file never names a block that is free.
-bool vlt_file_empty(vlt_store& store, std::int32_t index);
+/// Gets a directory that has just been read ready for use; false when memory runs out.
+[[nodiscard]] bool begin_directory(Store& store);
 
-/// Compares every derived structure of the package with its images.
-void vlt_check_store(vlt_store& store);
+}  // namespace vlt

@@ -4,10 +4,12 @@
 
 #include <cstdint>
 
-#include "vlt/directory.h"
+#include "vlt/format.h"
+
+namespace vlt {
 
 /// Where the caller wants the parts of a file's information; null ones are skipped.
-struct vlt_info_out {
+struct InfoOut {
     std::uint32_t* kind;
     std::int64_t* size;
     double* created;
@@ -16,3 +18,5 @@ struct vlt_info_out {
 
     void fill(const vlt_dir_entry& entry) const;
 };
+
+}  // namespace vlt

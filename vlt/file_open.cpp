@@ -1,86 +1,105 @@
 // SPDX-License-Identifier: MIT
 #include "vlt/directory.h"
+#include "vlt/file_empty.h"
 #include "vlt/file_handle.h"
+#include "vlt/file_sharing.h"
+#include "vlt/name_width.h"
+#include "vlt/package_hold.h"
 #include "vlt/stored_name.h"
+
+namespace vlt {
 
 namespace {
 
-struct vlt_file_request {
+struct FileRequest {
     std::uint32_t mode;
     bool exclusive;
     bool truncate;
 };
 
-/// Finds or makes the file, takes a slot for it and empties it when asked to. Stores the slot number; returns an
-/// error code, 0 for success.
+enum class FileFailure : std::uint32_t {
+    none = VLT_FILE_OK,
+    no_slot = VLT_FILE_NO_SLOT,
+    request = VLT_FILE_REQUEST,
+    access = VLT_FILE_ACCESS,
+    not_found = VLT_FILE_NOT_FOUND
+};
+
+/// Finds or makes the file that a request is for.
 template <typename Char>
-std::uint32_t open_stored_file(vlt_store& store, vlt_file_table& files, const Char* name,
-                               const vlt_file_request& request, std::int32_t* number) {
-    std::int32_t index = vlt_no_entry;
-    if (vlt_name_length(name) > VLT_NAME_MAX) return VLT_FILE_NOT_FOUND;
-    if (!vlt_dir_find(store, name, vlt_lookup::files, &index)) return VLT_FILE_NOT_FOUND;
+FileFailure find_or_make(Store& store, FileTable& files, const Char* name, const FileRequest& request,
+                         std::int32_t* index) {
+    if (name_length(name) > VLT_NAME_MAX) return FileFailure::not_found;
+    if (!vlt_dir_find(store, name, Lookup::files, index)) return FileFailure::not_found;
     const bool writes = request.mode != VLT_MODE_READ;
-    const bool found = index != vlt_no_entry;
-    if (found && !vlt_file_check_share(store, index, request.mode, request.exclusive)) return VLT_FILE_ACCESS;
-    if (!found && !writes) return VLT_FILE_NOT_FOUND;
-    // All room is had before a file is made: a refused open makes none.
-    const std::size_t entries = found ? static_cast<std::size_t>(index) + 1 : vlt_dir_count_grown(store);
-    if (!files.provide() || !store.open_files.provide(entries)) return VLT_FILE_NO_SLOT;
-    if (!found) index = vlt_dir_add(store, name);
-    if (index == vlt_no_entry) return VLT_FILE_NOT_FOUND;
+    const bool found = *index != no_entry;
+    if (found && !vlt_file_check_share(store, *index, request.mode, request.exclusive)) return FileFailure::access;
+    if (!found && !writes) return FileFailure::not_found;
+    // Reserve everything first, so that an open that fails creates nothing.
+    const std::int32_t entries = found ? *index + 1 : store.images.dir_count_grown();
+    if (!files.reserve_slot() || !store.open_files.reserve(entries)) return FileFailure::no_slot;
+    if (!found) *index = vlt_dir_add(store, name);
+    if (*index == no_entry) return FileFailure::not_found;
     // An entry whose writing failed when it was made must not be known here alone.
-    if (found && writes && store.entry_unwritten && !vlt_dir_put(store, index)) return VLT_FILE_NOT_FOUND;
-    *number = files.vlt_file_slot_take(store, index, request.mode, request.exclusive);
-    if (request.truncate && !vlt_file_empty(store, index)) {
-        files.release(store, *number);
-        return VLT_FILE_NO_SLOT;
-    }
-    return VLT_FILE_OK;
+    const bool unwritten = store.names.states[static_cast<std::size_t>(*index)] == EntryState::writing_failed;
+    return writes && unwritten && !vlt_dir_put(store, *index) ? FileFailure::not_found : FileFailure::none;
 }
 
-/// The checks that need no lock; an error code, 0 when the package may be asked.
+/// Opens the file, and empties it when that is asked for; stores the slot number.
 template <typename Char>
-std::uint32_t check_request(std::int32_t package, const Char* name, const vlt_file_request& request) {
-    if (request.mode > VLT_MODE_APPEND) return VLT_FILE_REQUEST;
-    if (request.truncate && request.mode != VLT_MODE_WRITE) return VLT_FILE_REQUEST;
-    vlt_package* slot = vlt_package_of_width<Char>(package);
-    if (!slot) return VLT_FILE_REQUEST;
-    if (request.mode != VLT_MODE_READ && slot->read_only) return VLT_FILE_ACCESS;
-    if (!name) return VLT_FILE_NOT_FOUND;
-    return package <= VLT_FILE_PACKAGE_MAX ? VLT_FILE_OK : VLT_FILE_NO_SLOT;
+FileFailure open_stored_file(Store& store, FileTable& files, const Char* name, const FileRequest& request,
+                             std::int32_t* number) {
+    std::int32_t index = no_entry;
+    const FileFailure failure = find_or_make(store, files, name, request, &index);
+    if (failure != FileFailure::none) return failure;
+    *number = files.take_slot(store, index, request.mode, request.exclusive);
+    if (!request.truncate || vlt_file_empty(store, index)) return FileFailure::none;
+    files.release(store, *number);
+    return FileFailure::no_slot;
+}
+
+/// The checks that need no lock.
+template <typename Char>
+FileFailure check_request(std::int32_t package, const Char* name, const FileRequest& request) {
+    if (request.mode > VLT_MODE_APPEND) return FileFailure::request;
+    if (request.truncate && request.mode != VLT_MODE_WRITE) return FileFailure::request;
+    vlt_package* slot = package_of_width<Char>(package);
+    if (!slot) return FileFailure::request;
+    if (request.mode != VLT_MODE_READ && slot->read_only) return FileFailure::access;
+    if (!name) return FileFailure::not_found;
+    return package <= VLT_FILE_PACKAGE_MAX ? FileFailure::none : FileFailure::no_slot;
 }
 
 template <typename Char>
-std::int32_t file_open(std::int32_t package, const Char* name, const vlt_file_request& request,
-                       std::uint32_t* error) {
-    std::uint32_t unwanted;
-    if (!error) error = &unwanted;
-    *error = check_request(package, name, request);
-    if (*error != VLT_FILE_OK) return 0;
-    vlt_package* slot = vlt_package_at(package);
-    vlt_package_hold hold(*slot);
+FileFailure open_file(std::int32_t package, const Char* name, const FileRequest& request, std::int32_t* handle) {
+    const FileFailure refused = check_request(package, name, request);
+    if (refused != FileFailure::none) return refused;
+    vlt_package& slot = *package_at(package);
+    PackageHold hold(slot);
     std::int32_t number = 0;
-    *error = open_stored_file(hold.store(), *slot->files, name, request, &number);
-    return *error == VLT_FILE_OK ? vlt_file_handle(package, number) : 0;
+    const FileFailure failure = open_stored_file(hold.store(), *slot.files, name, request, &number);
+    if (failure == FileFailure::none) *handle = file_handle(package, number);
+    return failure;
+}
+
+template <typename Char>
+std::int32_t open_file(std::int32_t package, const Char* name, const FileRequest& request, std::uint32_t* error) {
+    std::int32_t handle = 0;
+    const FileFailure failure = open_file(package, name, request, &handle);
+    if (error) *error = static_cast<std::uint32_t>(failure);
+    return handle;
 }
 
 }  // namespace
 
-std::int32_t vlt_file_open(std::int32_t package, const char* name, std::uint32_t mode, std::int32_t exclusive,
-                           std::int32_t truncate, std::uint32_t* error) {
-    return file_open(package, name, {mode, exclusive != 0, truncate != 0}, error);
+}  // namespace vlt
+
+VLT_API std::int32_t VLT_CALL vlt_file_open(std::int32_t package, const char* name, std::uint32_t mode,
+                                            std::int32_t exclusive, std::int32_t truncate, std::uint32_t* error) {
+    return vlt::open_file(package, name, {mode, exclusive != 0, truncate != 0}, error);
 }
 
-std::int32_t vltw_file_open(std::int32_t package, const vlt_wchar* name, std::uint32_t mode, std::int32_t exclusive,
-                            std::int32_t truncate, std::uint32_t* error) {
-    return file_open(package, name, {mode, exclusive != 0, truncate != 0}, error);
-}
-
-std::int32_t vlt_file_close(std::uint32_t file) {
-    vlt_package* slot = vlt_package_of_file(file);
-    if (!slot) return 0;
-    vlt_package_hold hold(*slot);
-    if (!slot->files->at(vlt_slot_of_file(file))) return 0;
-    slot->files->release(hold.store(), vlt_slot_of_file(file));
-    return 1;
+VLT_API std::int32_t VLT_CALL vltw_file_open(std::int32_t package, const vlt_wchar* name, std::uint32_t mode,
+                                             std::int32_t exclusive, std::int32_t truncate, std::uint32_t* error) {
+    return vlt::open_file(package, name, {mode, exclusive != 0, truncate != 0}, error);
 }

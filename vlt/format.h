@@ -10,7 +10,9 @@
 #include <cstdint>
 #include <cstring>
 
-#include "vlt.h"
+#include "include/vlt.h"
+
+namespace vlt {
 
 // The header run, the bytes of the header chain:
 //   offset  size          field
@@ -52,35 +54,60 @@ inline constexpr int VLT_ENTRY_SIZE_WIDE = VLT_ENTRY_NAME_OFFSET + 2 * (VLT_NAME
 static_assert(std::endian::native == std::endian::little, "the format is read and written in place");
 
 template <typename T>
-T vlt_load(const std::uint8_t* at) {
+T load_at(const std::uint8_t* at) {
     T value;
     std::memcpy(&value, at, sizeof value);
     return value;
 }
 
 template <typename T>
-void vlt_store_at(std::uint8_t* at, T value) {
+void store_at(std::uint8_t* at, T value) {
     std::memcpy(at, &value, sizeof value);
 }
 
+// Blocks and entries have an index, from 0, in memory, and a number, one higher, in the format; number 0 names none.
+
+constexpr std::uint32_t number_of(std::int32_t index) {
+    return static_cast<std::uint32_t>(index) + 1;
+}
+
+/// The index of a number; -1 for 0, and for a number that no block can have.
+constexpr std::int32_t index_of(std::uint32_t number) {
+    return number <= static_cast<std::uint32_t>(VLT_BLOCKS_MAX) ? static_cast<std::int32_t>(number) - 1 : -1;
+}
+
+/// The index of the block that a map word links to, -1 for none.
+constexpr std::int32_t next_of(std::uint32_t word) {
+    return index_of(word & VLT_NEXT_MASK);
+}
+
+/// A map word with its link led to a block.
+constexpr std::uint32_t linked(std::uint32_t word, std::int32_t next_block) {
+    return (word & ~VLT_NEXT_MASK) | number_of(next_block);
+}
+
+constexpr bool is_used(std::uint32_t word) {
+    return (word & VLT_BLOCK_USED) != 0;
+}
+
 /// Number of blocks that so many bytes of a file take; a damaged length below 0 takes none.
-constexpr std::int64_t vlt_blocks_for(std::int64_t bytes) {
+constexpr std::int64_t blocks_for(std::int64_t bytes) {
     return bytes > 0 ? bytes / VLT_BLOCK_SIZE + (bytes % VLT_BLOCK_SIZE > 0 ? 1 : 0) : 0;
 }
 
 /// Number of header blocks that a package of `blocks` blocks has.
-constexpr std::int32_t vlt_header_blocks_for(std::int64_t blocks) {
+constexpr std::int32_t header_blocks_for(std::int64_t blocks) {
     return static_cast<std::int32_t>((VLT_MAP_OFFSET + 4 * blocks + VLT_BLOCK_SIZE - 1) / VLT_BLOCK_SIZE);
 }
 
 /// Number of whole map words in a header run of that many blocks.
-constexpr std::int32_t vlt_map_capacity(std::int64_t header_blocks) {
+constexpr std::int32_t map_capacity(std::int64_t header_blocks) {
     return static_cast<std::int32_t>((header_blocks * VLT_BLOCK_SIZE - VLT_MAP_OFFSET) / 4);
 }
 
 /// A credential field: the text padded with zeros to 16 bytes, reversed, and every bit inverted. Encoding and
 /// decoding are the same transformation.
-inline void vlt_credential_swap(const std::uint8_t (&from)[VLT_CREDENTIAL_MAX], std::uint8_t* to) {
+inline void swap_credential(const std::uint8_t (&from)[VLT_CREDENTIAL_MAX], std::uint8_t* to) {
     for (int i = 0; i < VLT_CREDENTIAL_MAX; ++i) to[i] = static_cast<std::uint8_t>(~from[VLT_CREDENTIAL_MAX - 1 - i]);
 }
 
@@ -91,20 +118,23 @@ public:
 
     int kind() const { return at_[0]; }
     bool in_use() const { return kind() == VLT_ENTRY_FILE || kind() == VLT_ENTRY_OTHER; }
-    std::uint32_t first_block() const { return vlt_load<std::uint32_t>(at_ + 1); }
-    std::int64_t size() const { return vlt_load<std::int64_t>(at_ + 5); }
-    double created() const { return vlt_load<double>(at_ + 13); }
-    double accessed() const { return vlt_load<double>(at_ + 21); }
-    double written() const { return vlt_load<double>(at_ + 29); }
+    std::uint32_t first_block() const { return load_at<std::uint32_t>(at_ + 1); }  // a number
+    std::int32_t first_index() const { return index_of(first_block()); }
+    std::int64_t size() const { return load_at<std::int64_t>(at_ + 5); }
+    double created() const { return load_at<double>(at_ + 13); }
+    double accessed() const { return load_at<double>(at_ + 21); }
+    double written() const { return load_at<double>(at_ + 29); }
     std::uint8_t* name() const { return at_ + VLT_ENTRY_NAME_OFFSET; }
 
     void set_kind(int kind) { at_[0] = static_cast<std::uint8_t>(kind); }
-    void set_first_block(std::uint32_t number) { vlt_store_at(at_ + 1, number); }
-    void set_size(std::int64_t size) { vlt_store_at(at_ + 5, size); }
-    void set_created(double stamp) { vlt_store_at(at_ + 13, stamp); }
-    void set_accessed(double stamp) { vlt_store_at(at_ + 21, stamp); }
-    void set_written(double stamp) { vlt_store_at(at_ + 29, stamp); }
+    void set_first_block(std::uint32_t number) { store_at(at_ + 1, number); }
+    void set_size(std::int64_t size) { store_at(at_ + 5, size); }
+    void set_created(double stamp) { store_at(at_ + 13, stamp); }
+    void set_accessed(double stamp) { store_at(at_ + 21, stamp); }
+    void set_written(double stamp) { store_at(at_ + 29, stamp); }
 
 private:
     std::uint8_t* at_;
 };
+
+}  // namespace vlt

@@ -1,11 +1,11 @@
 // SPDX-License-Identifier: MIT
 #include "base/heap.h"
-#include "vlt.h"
+#include "include/vlt.h"
 
-void* vlt_alloc_mem(std::size_t size) {
-    return heap_alloc(size);
+VLT_API void* VLT_CALL vlt_alloc_mem(std::size_t size) {
+    return vlt::heap_alloc(size);
 }
 
-void vlt_free_mem(void* pointer) {
-    heap_free(pointer);
+VLT_API void VLT_CALL vlt_free_mem(void* pointer) {
+    vlt::heap_free(pointer);
 }

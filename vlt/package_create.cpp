@@ -3,8 +3,11 @@
 #include <cstring>
 
 #include "base/array.h"
+#include "platform/disk_path.h"
 #include "platform/disk_stream.h"
 #include "vlt/format.h"
+
+namespace vlt {
 
 namespace {
 
@@ -15,11 +18,11 @@ bool fits_credential(const char* credential) {
 void put_credential(std::uint8_t* field, const char* credential) {
     std::uint8_t padded[VLT_CREDENTIAL_MAX] = {};
     if (credential) std::memcpy(padded, credential, std::strlen(credential));
-    vlt_credential_swap(padded, field);
+    swap_credential(padded, field);
 }
 
 void put_word(std::uint8_t* header, std::int32_t block, std::uint32_t next) {
-    vlt_store_at(header + VLT_MAP_OFFSET + 4 * static_cast<std::size_t>(block), VLT_BLOCK_USED | next);
+    store_at(header + VLT_MAP_OFFSET + 4 * static_cast<std::size_t>(block), VLT_BLOCK_USED | next);
 }
 
 /// The map of a new package: the directory is block 1, the header chain block 0 and then blocks 2, 3, ...
@@ -50,15 +53,19 @@ bool write_package(std::FILE* stream, const Array<std::uint8_t>& header, std::in
 
 }  // namespace
 
-std::int32_t vlt_package_create(const char* path, std::int32_t wide_names, std::int32_t size_mb,
-                                const char* read_credential, const char* write_credential) {
+}  // namespace vlt
+
+using namespace vlt;
+
+VLT_API std::int32_t VLT_CALL vlt_package_create(const char* path, std::int32_t wide_names, std::int32_t size_mb,
+                                                 const char* read_credential, const char* write_credential) {
     if (!path || !fits_credential(read_credential) || !fits_credential(write_credential)) return 0;
     const std::int64_t blocks = std::max<std::int64_t>(std::int64_t{size_mb} * (1048576 / VLT_BLOCK_SIZE), 2);
     if (blocks > VLT_BLOCKS_MAX) return 0;
 
-    const std::int32_t header_blocks = vlt_header_blocks_for(blocks);
+    const std::int32_t header_blocks = header_blocks_for(blocks);
     Array<std::uint8_t> header;  // up to the last word that is not zero
-    const auto prepared = static_cast<std::size_t>(vlt_header_blocks_for(std::int64_t{header_blocks} + 1));
+    const auto prepared = static_cast<std::size_t>(header_blocks_for(std::int64_t{header_blocks} + 1));
     if (!header.resize(prepared * VLT_BLOCK_SIZE)) return 0;
     std::memcpy(header.data(), wide_names ? "wvlt" : "vlt", 4);
     header[VLT_FORMAT_BYTE_OFFSET] = 1;

@@ -1,22 +1,26 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 
-#include "vlt/file_handle.h"
 #include "vlt/file_info.h"
+#include "vlt/name_width.h"
+#include "vlt/package_hold.h"
 #include "vlt/stored_name.h"
+
+namespace vlt {
 
 namespace {
 
 template <typename Char>
-std::int32_t package_enum(std::int32_t package, std::int32_t cursor, Char* name, const vlt_info_out& out) {
-    vlt_package* slot = vlt_package_of_width<Char>(package);
+std::int32_t enumerate(std::int32_t package, std::int32_t cursor, Char* name, const InfoOut& out) {
+    vlt_package* slot = package_of_width<Char>(package);
     if (!slot) return 0;
-    vlt_package_hold hold(*slot);
-    const std::int32_t count = vlt_dir_count(hold.store());
+    PackageHold hold(*slot);
+    Images& images = hold.store().images;
+    const std::int32_t count = images.vlt_dir_count();
     for (std::int32_t i = std::max(cursor, 0); i < count; ++i) {
-        const vlt_dir_entry entry = hold.store().entry(i);
+        const vlt_dir_entry entry = images.entry(i);
         if (!entry.in_use()) continue;
-        if (name) vlt_name_copy(name, entry.name());
+        if (name) copy_name(name, entry.name());
         out.fill(entry);
         return i + 1;
     }
@@ -25,12 +29,16 @@ std::int32_t package_enum(std::int32_t package, std::int32_t cursor, Char* name,
 
 }  // namespace
 
-std::int32_t vlt_package_enum(std::int32_t package, std::int32_t cursor, char* name, std::uint32_t* kind,
-                              std::int64_t* size, double* created, double* accessed, double* written) {
-    return package_enum(package, cursor, name, {kind, size, created, accessed, written});
+}  // namespace vlt
+
+VLT_API std::int32_t VLT_CALL vlt_package_enum(std::int32_t package, std::int32_t cursor, char* name,
+                                               std::uint32_t* kind, std::int64_t* size, double* created,
+                                               double* accessed, double* written) {
+    return vlt::enumerate(package, cursor, name, {kind, size, created, accessed, written});
 }
 
-std::int32_t vltw_package_enum(std::int32_t package, std::int32_t cursor, vlt_wchar* name, std::uint32_t* kind,
-                               std::int64_t* size, double* created, double* accessed, double* written) {
-    return package_enum(package, cursor, name, {kind, size, created, accessed, written});
+VLT_API std::int32_t VLT_CALL vltw_package_enum(std::int32_t package, std::int32_t cursor, vlt_wchar* name,
+                                                std::uint32_t* kind, std::int64_t* size, double* created,
+                                                double* accessed, double* written) {
+    return vlt::enumerate(package, cursor, name, {kind, size, created, accessed, written});
 }

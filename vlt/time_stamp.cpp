@@ -3,6 +3,8 @@
 
 #include "platform/clock.h"
 
+namespace vlt {
+
 double vlt_stamp_make(std::uint16_t year, std::uint16_t month, std::uint16_t day, std::uint16_t hour,
                       std::uint16_t minute, std::uint16_t second) {
     const bool valid = year > 1000 && year < 3000 && month > 0 && month < 13 && day > 0 && day < 32 && hour < 24 &&
@@ -13,12 +15,13 @@ double vlt_stamp_make(std::uint16_t year, std::uint16_t month, std::uint16_t day
     return date + clock / 1000000.0;
 }
 
-double vlt_stamp_clock::vlt_stamp_now() {
+double StampClock::stamp_now() {
     const std::int64_t second = clock_seconds();
-    if (second != second_) {
-        const LocalTime t = clock_local(second);
-        stamp_ = vlt_stamp_make(t.year, t.month, t.day, t.hour, t.minute, t.second);
-        second_ = second;
-    }
+    if (second == second_) return stamp_;
+    LocalTime t;
+    second_ = clock_local(second, &t) ? second : kNoSecond;  // a reading that failed says nothing of the next one
+    stamp_ = vlt_stamp_make(t.year, t.month, t.day, t.hour, t.minute, t.second);
     return stamp_;
 }
+
+}  // namespace vlt
