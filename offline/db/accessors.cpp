@@ -1,20 +1,19 @@
 // SPDX-License-Identifier: MIT
 #include "offline/db/accessors.h"
 
-#include <charconv>
 #include <cstring>
 
-#include "offline/tables/text.h"
+#include "offline/tables/nid.h"
+
+namespace vlt {
 
 namespace {
 
 constexpr FieldSlot kNidSlots[TABLE_COUNT] = {
-#define KOFFLINE_ENTRY(table) SLOT_##table##_NID,
+#define KOFFLINE_ENTRY(table, lower_case) SLOT_##table##_NID,
     KOFFLINE_TABLES(KOFFLINE_ENTRY)
 #undef KOFFLINE_ENTRY
 };
-
-using TablePointer = KOfflineTable*;
 
 KOfflineTable* table_of(KOfflineDb* db, FieldSlot slot) {
     return &db->tables[kWellKnownFields[slot].table];
@@ -46,14 +45,11 @@ std::int32_t find_record(KOfflineDb* db, FieldSlot slot, const char* key) {
 
 std::int32_t record_by_nid(KOfflineDb* db, TableSlot table, std::int32_t nid) {
     if (!db) return -1;
-    char text[12];
-    *std::to_chars(text, text + sizeof text - 1, nid).ptr = 0;
-    return find_record(db, kNidSlots[table], text);
+    return find_record(db, kNidSlots[table], NidText(nid).text);
 }
 
 std::int32_t nid_by_record(KOfflineDb* db, TableSlot table, std::int32_t rec) {
-    const char* text = db ? value_of(db, kNidSlots[table], rec) : nullptr;
-    return KText_IsNumber(text) == 1 ? text_to_int(text) : -1;
+    return db ? nid_from_text(value_of(db, kNidSlots[table], rec)) : -1;
 }
 
 /// The code of a record; empty for one that has none or does not exist, null for a negative number or no code field.
@@ -103,53 +99,58 @@ const char* code_by_nid(KOfflineDb* db, TableSlot table, std::int32_t nid) {
     return code_by_record(db, table, rec);
 }
 
-#define KOFFLINE_ENTRY(table)                                                       \
-    std::int32_t KOfflineDb_GetRecByNID_##table(KOfflineDb* db, std::int32_t nid) { \
-        return record_by_nid(db, TABLE_##table, nid);                               \
-    }                                                                               \
-    std::int32_t KOfflineDb_GetNIDByRec_##table(KOfflineDb* db, std::int32_t rec) { \
-        return nid_by_record(db, TABLE_##table, rec);                               \
-    }                                                                               \
-    TablePointer KOfflineDb_GetTable_##table(KOfflineDb* db) {                      \
-        return db ? &db->tables[TABLE_##table] : nullptr;                           \
+}  // namespace vlt
+
+using namespace vlt;
+
+#define KOFFLINE_ENTRY(table, lower_case)                                                            \
+    VLT_API std::int32_t VLT_CALL KOfflineDb_GetRecByNID_##table(KOfflineDb* db, std::int32_t nid) { \
+        return record_by_nid(db, TABLE_##table, nid);                                                \
+    }                                                                                                \
+    VLT_API std::int32_t VLT_CALL KOfflineDb_GetNIDByRec_##table(KOfflineDb* db, std::int32_t rec) { \
+        return nid_by_record(db, TABLE_##table, rec);                                                \
+    }                                                                                                \
+    VLT_API KOfflineTable* VLT_CALL /* NOLINT(bugprone-macro-parentheses) */                         \
+        KOfflineDb_GetTable_##table(KOfflineDb* db) {                                                \
+        return db ? &db->tables[TABLE_##table] : nullptr;                                            \
     }
 KOFFLINE_TABLES(KOFFLINE_ENTRY)
 #undef KOFFLINE_ENTRY
 
-#define KOFFLINE_ENTRY(table, field, rule)                             \
-    std::int32_t KOfflineDb_GetFld_##table##_##field(KOfflineDb* db) { \
-        return field_number(db, SLOT_##table##_##field);               \
+#define KOFFLINE_ENTRY(table, field, rule)                                              \
+    VLT_API std::int32_t VLT_CALL KOfflineDb_GetFld_##table##_##field(KOfflineDb* db) { \
+        return field_number(db, SLOT_##table##_##field);                                \
     }
 KOFFLINE_FIELDS(KOFFLINE_ENTRY)
 #undef KOFFLINE_ENTRY
 
 // The functions of the items carry no table name.
-#define KOFFLINE_CODES(suffix, table)                                                            \
-    std::int32_t KOfflineDb_GetCCODEByRec##suffix(KOfflineDb* db, std::int32_t rec, char* dst) { \
-        return copy_code(code_by_record(db, table, rec), dst);                                   \
-    }                                                                                            \
-    std::int32_t KOfflineDb_GetCCODEByNID##suffix(KOfflineDb* db, std::int32_t nid, char* dst) { \
-        return copy_code(code_by_nid(db, table, nid), dst);                                      \
+#define KOFFLINE_CODES(suffix, table)                                                                             \
+    VLT_API std::int32_t VLT_CALL KOfflineDb_GetCCODEByRec##suffix(KOfflineDb* db, std::int32_t rec, char* dst) { \
+        return copy_code(code_by_record(db, table, rec), dst);                                                    \
+    }                                                                                                             \
+    VLT_API std::int32_t VLT_CALL KOfflineDb_GetCCODEByNID##suffix(KOfflineDb* db, std::int32_t nid, char* dst) { \
+        return copy_code(code_by_nid(db, table, nid), dst);                                                       \
     }
 KOFFLINE_CODES(, TABLE_BITM)
 KOFFLINE_CODES(_BDWG, TABLE_BDWG)
 KOFFLINE_CODES(_BCAPP, TABLE_BCAPP)
 #undef KOFFLINE_CODES
 
-std::int32_t KOfflineDb_GetNIDByCCODE(KOfflineDb* db, const char* code) {
+VLT_API std::int32_t VLT_CALL KOfflineDb_GetNIDByCCODE(KOfflineDb* db, const char* code) {
     if (!db || !code || *code == 0) return -1;
     const std::int32_t rec = find_record(db, SLOT_BITM_CCODE, code);
     return rec < 0 ? -1 : nid_by_record(db, TABLE_BITM, rec);
 }
 
-std::int32_t KOfflineDb_SetRootNode(KOfflineDb* db, std::int32_t rec) {
+VLT_API std::int32_t VLT_CALL KOfflineDb_SetRootNode(KOfflineDb* db, std::int32_t rec) {
     const std::int32_t nid = db ? KOfflineTable_GetRecNID(&db->tables[TABLE_BITM], rec) : -1;
     if (nid < 1) return 0;
     db->root_nid = nid;
     return 1;
 }
 
-std::int32_t KOfflineDb_GetRootNodes(KOfflineDb* db, std::int32_t* recs, std::int32_t max) {
+VLT_API std::int32_t VLT_CALL KOfflineDb_GetRootNodes(KOfflineDb* db, std::int32_t* recs, std::int32_t max) {
     if (!db) return 0;
     const std::int32_t root = db->root_nid > 0 ? record_by_nid(db, TABLE_BITM, db->root_nid) : -1;
     if (root < 0) return KOfflineDb_GetNoParentNodes(db, recs, max);
@@ -157,7 +158,7 @@ std::int32_t KOfflineDb_GetRootNodes(KOfflineDb* db, std::int32_t* recs, std::in
     return 1;
 }
 
-std::int32_t KOfflineDb_GetNoParentNodes(KOfflineDb* db, std::int32_t* recs, std::int32_t max) {
+VLT_API std::int32_t VLT_CALL KOfflineDb_GetNoParentNodes(KOfflineDb* db, std::int32_t* recs, std::int32_t max) {
     if (!db) return 0;
     RecordList tops(recs, max);
     const std::int32_t items = KOfflineTable_GetRecsCount(&db->tables[TABLE_BITM]);
@@ -168,10 +169,10 @@ std::int32_t KOfflineDb_GetNoParentNodes(KOfflineDb* db, std::int32_t* recs, std
     return tops.count();
 }
 
-void KOfflineDb_SetCheckInRec(KOfflineDb* db, std::int32_t rec) {
+VLT_API void VLT_CALL KOfflineDb_SetCheckInRec(KOfflineDb* db, std::int32_t rec) {
     if (db) db->check_in_rec = rec;
 }
 
-std::int32_t KOfflineDb_GetCheckInRec(KOfflineDb* db) {
+VLT_API std::int32_t VLT_CALL KOfflineDb_GetCheckInRec(KOfflineDb* db) {
     return db ? db->check_in_rec : -1;
 }

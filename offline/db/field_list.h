@@ -7,7 +7,16 @@
 
 #include "include/offline.h"
 
-#define KOFFLINE_TABLES(ENTRY) ENTRY(BITM) ENTRY(BBOM) ENTRY(BDWG) ENTRY(BITDWG) ENTRY(BCAPP) ENTRY(BITCAP)
+namespace vlt {
+
+/// ENTRY(table, its name in lower case)
+#define KOFFLINE_TABLES(ENTRY) \
+    ENTRY(BITM, bitm)          \
+    ENTRY(BBOM, bbom)          \
+    ENTRY(BDWG, bdwg)          \
+    ENTRY(BITDWG, bitdwg)      \
+    ENTRY(BCAPP, bcapp)        \
+    ENTRY(BITCAP, bitcap)
 
 /// ENTRY(table, field, what a load does when the schema lacks the field)
 #define KOFFLINE_FIELDS(ENTRY)      \
@@ -41,7 +50,7 @@
 
 /// Positions in KOfflineDb.tables.
 enum TableSlot : std::int32_t {
-#define KOFFLINE_ENTRY(table) TABLE_##table,
+#define KOFFLINE_ENTRY(table, lower_case) TABLE_##table,
     KOFFLINE_TABLES(KOFFLINE_ENTRY)
 #undef KOFFLINE_ENTRY
         TABLE_COUNT
@@ -55,7 +64,11 @@ enum FieldSlot : std::int32_t {
         SLOT_COUNT
 };
 
-enum class FieldRule { required, added, optional };
+enum class FieldRule {
+    required,  ///< a load fails without it, and gives it an index, for lookups rely on both
+    added,     ///< a load adds it
+    optional   ///< the slot may stay empty
+};
 
 struct WellKnownField {
     TableSlot table;
@@ -65,7 +78,20 @@ struct WellKnownField {
 };
 
 inline constexpr const char* kTableNames[] = {
-#define KOFFLINE_ENTRY(table) #table,
+#define KOFFLINE_ENTRY(table, lower_case) #table,
+    KOFFLINE_TABLES(KOFFLINE_ENTRY)
+#undef KOFFLINE_ENTRY
+};
+
+/// The names as a schema is written with them.
+inline constexpr const char* kSchemaNames[] = {
+#define KOFFLINE_ENTRY(table, lower_case) #lower_case,
+    KOFFLINE_TABLES(KOFFLINE_ENTRY)
+#undef KOFFLINE_ENTRY
+};
+
+inline constexpr const char* kDataFiles[] = {
+#define KOFFLINE_ENTRY(table, lower_case) #lower_case ".txt",
     KOFFLINE_TABLES(KOFFLINE_ENTRY)
 #undef KOFFLINE_ENTRY
 };
@@ -78,3 +104,5 @@ inline constexpr WellKnownField kWellKnownFields[] = {
 
 static_assert(SLOT_COUNT == sizeof(KOfflineDb::field_slots) / sizeof(std::int32_t));
 static_assert(TABLE_COUNT == sizeof(KOfflineDb::tables) / sizeof(KOfflineTable));
+
+}  // namespace vlt

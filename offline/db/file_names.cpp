@@ -1,21 +1,18 @@
 // SPDX-License-Identifier: MIT
 #include "offline/db/file_names.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "offline/tables/text.h"
+
+namespace vlt {
 
 namespace {
 
 /// Appends as much of `text` as fits; false when a part was left out.
 bool append(char* name, const char* text) {
     const std::size_t used = std::strlen(name);
-    const std::size_t length = std::strlen(text);
-    const std::size_t taken = std::min(length, kFileNameSize - 1 - used);
-    std::memcpy(name + used, text, taken);
-    name[used + taken] = 0;
-    return taken == length;
+    return text_copy_cut(name + used, kFileNameSize - used, text);
 }
 
 }  // namespace
@@ -38,3 +35,5 @@ bool form_file_name(const char* path, const char* file, char* name) {
     const bool separated = empty || *last_component(name) != 0 ? append(name, "\\") : true;
     return append(name, file) && whole && separated && !empty;
 }
+
+}  // namespace vlt

@@ -4,10 +4,10 @@
 
 #include <cstddef>
 
-/// The seven files of a database.
+namespace vlt {
+
+/// The schema of a database; the names of its data files stand in field_list.h.
 inline constexpr const char* kSchemaFile = "kdbmain.txt";
-inline constexpr const char* kDataFiles[6] = {"bitm.txt",   "bbom.txt",  "bdwg.txt",
-                                              "bitdwg.txt", "bcapp.txt", "bitcap.txt"};
 
 /// A formed name and its terminator fit this many bytes.
 inline constexpr std::size_t kFileNameSize = 256;
@@ -19,3 +19,5 @@ const char* last_component(const char* path);
 /// kFileNameSize bytes. False for a path that is empty then, and for a path or a name too long for the buffer; `name`
 /// holds as much of the name as fits.
 bool form_file_name(const char* path, const char* file, char* name);
+
+}  // namespace vlt

@@ -6,8 +6,10 @@
 
 #include "base/ascii_case.h"
 #include "base/heap.h"
+#include "offline/db/stream.h"
 #include "offline/tables/text.h"
-#include "platform/disk_stream.h"
+
+namespace vlt {
 
 namespace {
 
@@ -94,12 +96,6 @@ std::int32_t count(const char* text, const char* pattern) {
     return found;
 }
 
-void copy_cut(char* to, const char* from, std::int32_t size) {
-    const std::size_t length = std::min(std::strlen(from), static_cast<std::size_t>(size) - 1);
-    std::memcpy(to, from, length);
-    to[length] = 0;
-}
-
 /// The value of a level text in number mode; -1 for one that is no number of 0 or more.
 std::int32_t level_number(const char* text) {
     return KText_IsNumber(text) == 1 ? std::max(text_to_int(text), -1) : -1;
@@ -159,7 +155,7 @@ private:
     }
 
     void copy_trimmed(char* to, const char* from, std::int32_t size) const {
-        copy_cut(to, from, size);
+        text_copy_cut(to, static_cast<std::size_t>(size), from);
         if (options_.trim) KText_Trim(to, options_.trim, options_.trim);
     }
 
@@ -250,29 +246,10 @@ private:
     DepthTable depths_{};
 };
 
-/// Reads a whole file into a block ended by a zero byte; no block on failure.
-HeapBlock<char> read_file(const char* path, std::int64_t* size) {
-    std::FILE* file = disk_open(path, DiskMode::read);
-    if (!file) return {};
-    HeapBlock<char> text;
-    if (disk_size(file, size) && *size < INT32_MAX) {
-        const auto length = static_cast<std::size_t>(*size);
-        text = HeapBlock<char>::of(length + 2);
-        if (text && disk_read(file, text.get(), length) == length) {
-            text[length] = 0;
-        } else {
-            text.reset();
-        }
-    }
-    disk_close(file);
-    return text;
-}
-
-HeapBlock<char> copy_text(const char* text, std::int64_t* size) {
-    const std::size_t length = std::strlen(text);
-    HeapBlock<char> copy = HeapBlock<char>::of(length + 2);
-    if (copy) std::memcpy(copy.get(), text, length + 1);
-    *size = static_cast<std::int64_t>(length);
+HeapBlock<char> copy_text(const char* text) {
+    const std::size_t size = std::strlen(text) + 1;
+    HeapBlock<char> copy = HeapBlock<char>::of(size);
+    if (copy) std::memcpy(copy.get(), text, size);
     return copy;
 }
 
@@ -295,13 +272,17 @@ std::int32_t KLevelText_Parse(char* source, std::int32_t source_kind, const char
     char nothing[1] = {};
     if (!source) source = nothing;
     HeapBlock<char> owned;
-    if (source_kind == KLEVEL_SOURCE_FILE || source_kind == KLEVEL_SOURCE_COPY) {
-        std::int64_t size = 0;
-        owned = source_kind == KLEVEL_SOURCE_FILE ? read_file(source, &size) : copy_text(source, &size);
+    if (source_kind == KLEVEL_SOURCE_FILE) {
+        if (failed(read_whole_file(nullptr, source, &owned))) return -1;
+        if (!owned) return 0;
+    } else if (source_kind == KLEVEL_SOURCE_COPY) {
+        if (*source == 0) return 0;
+        owned = copy_text(source);
         if (!owned) return -1;
-        if (size == 0) return 0;
-        source = owned.get();
     }
+    if (owned) source = owned.get();
     const Options options = make_options(line_sep, level_sep, level_mark, comment, trim);
     return parse_text(source, options, count_lines != 0, proc, user);
 }
+
+}  // namespace vlt

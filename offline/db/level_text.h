@@ -13,6 +13,8 @@
 
 #include <cstdint>
 
+namespace vlt {
+
 enum {
     KLEVEL_HAS_CHILDREN = 1,  ///< flag: the next reported line lies deeper
     KLEVEL_HAS_PARENT = 2     ///< flag: the depth is above 0
@@ -65,3 +67,5 @@ using KLevelTextProc = std::int32_t (*)(KLevelTextNode* node);
 std::int32_t KLevelText_Parse(char* source, std::int32_t source_kind, const char* line_sep, const char* level_sep,
                               const char* level_mark, const char* comment, const char* trim, std::int32_t count_lines,
                               KLevelTextProc proc, void* user);
+
+}  // namespace vlt

@@ -6,16 +6,17 @@
 #include "offline/db/database.h"
 #include "offline/db/field_list.h"
 #include "offline/db/file_names.h"
-#include "offline/db/schema.h"
+#include "offline/db/schema_read.h"
 #include "offline/db/stream.h"
 #include "offline/tables/data_file.h"
-#include "offline/tables/error_state.h"
-#include "offline/tables/table.h"
-#include "platform/disk_stream.h"
+#include "offline/tables/fields.h"
+#include "platform/disk_path.h"
+
+namespace vlt {
 
 namespace {
 
-/// The fields of a table that the schema does not declare, with the tables in the order in which they are completed.
+/// The fields that a table gets which the schema does not declare, in the order in which the tables get them.
 constexpr struct {
     TableSlot table;
     const char* fields[4];
@@ -26,18 +27,13 @@ constexpr struct {
     {TABLE_BITCAP, {"BITCAP.NID", "BITCAP.NPID", "BITCAP.NCID"}},
 };
 
-/// The indexes that lookups rely on, in the order in which they are built.
-constexpr struct {
-    TableSlot table;
-    const char* fields[3];
-} kIndexes[] = {
-    {TABLE_BITM, {"NID", "CCODE"}},  {TABLE_BBOM, {"NID", "NPID", "NCID"}},
-    {TABLE_BDWG, {"NID", "CCODE"}},  {TABLE_BITDWG, {"NID", "NPID", "NCID"}},
-    {TABLE_BCAPP, {"NID", "CCODE"}}, {TABLE_BITCAP, {"NID", "NPID", "NCID"}},
-};
+bool fail(KOfflineDb* db, Failure failure) {
+    KOfflineDb_SetError(db, failure);
+    return false;
+}
 
-bool fail(KOfflineDb* db, std::int32_t code, const char* text) {
-    KOfflineDb_SetErrorText(db, code, text);
+bool fail(KOfflineDb* db, Failure failure, const char* text) {
+    KOfflineDb_SetError(db, failure, text);
     return false;
 }
 
@@ -48,13 +44,13 @@ bool open_source(KOfflineDb* db, const char* path) {
 
 bool load_schema(KOfflineDb* db, const char* path, KOfflineDb_SchemaState* state) {
     char name[kFileNameSize];
-    if (!form_file_name(path, kSchemaFile, name)) return fail(db, KOFFLINE_ERR_FILE, name);
+    if (!form_file_name(path, kSchemaFile, name)) return fail(db, Failure::file, name);
     return read_schema(db, name, state);
 }
 
 bool require_tables(KOfflineDb* db, const KOfflineDb_SchemaState& state) {
     for (const TableSlot table : {TABLE_BITM, TABLE_BBOM}) {
-        if (!state.declared[table]) return fail(db, KOFFLINE_ERR_TABLE, kTableNames[table]);
+        if (!state.declared[table]) return fail(db, Failure::table, kTableNames[table]);
     }
     return true;
 }
@@ -63,28 +59,28 @@ bool add_default_fields(KOfflineDb* db, const KOfflineDb_SchemaState& state) {
     for (const auto& missing : kDefaultFields) {
         if (state.declared[missing.table]) continue;
         for (const char* field : missing.fields) {
-            if (field) KOfflineDb_AppendSchemaField(&db->tables[missing.table], field);
+            if (!field) continue;
+            const Failure failure = KOfflineDb_AppendSchemaField(&db->tables[missing.table], field);
+            if (failed(failure)) return fail(db, failure);
         }
     }
-    return db->error_code != KOFFLINE_ERR_MEMORY;
+    return true;
 }
 
 bool require_separator(KOfflineDb* db) {
-    if (db->separator[0]) return true;
-    KOfflineDb_SetError(db, KOFFLINE_ERR_SEPARATOR);
-    return false;
+    return db->separator[0] || fail(db, Failure::separator);
 }
 
 bool resolve_field(KOfflineDb* db, const WellKnownField& field, std::int32_t* slot) {
     KOfflineTable* table = &db->tables[field.table];
     *slot = KOfflineTable_GetFldIndex(table, field.name);
     if (*slot < 0 && field.rule == FieldRule::added) {
-        KOfflineDb_AppendSchemaField(table, field.full_name);
-        if (db->error_code == KOFFLINE_ERR_MEMORY) return false;
+        const Failure failure = KOfflineDb_AppendSchemaField(table, field.full_name);
+        if (failed(failure)) return fail(db, failure);
         *slot = KOfflineTable_GetFldIndex(table, field.name);
     }
     if (*slot >= 0 || field.rule == FieldRule::optional) return true;
-    return fail(db, KOFFLINE_ERR_FIELD, field.full_name);
+    return fail(db, Failure::field, field.full_name);
 }
 
 bool resolve_fields(KOfflineDb* db) {
@@ -107,7 +103,7 @@ bool is_there(KOfflineDb* db, const char* path) {
 bool read_tables(KOfflineDb* db, const char* path) {
     for (int table = 0; table < TABLE_COUNT; ++table) {
         char name[kFileNameSize];
-        if (!form_file_name(path, kDataFiles[table], name)) return fail(db, KOFFLINE_ERR_FILE, name);
+        if (!form_file_name(path, kDataFiles[table], name)) return fail(db, Failure::file, name);
         const bool optional = table != TABLE_BITM && table != TABLE_BBOM;
         if (optional && !is_there(db, name)) continue;
         if (!KOfflineTable_ReadFile(&db->tables[table], name, db->separator)) return false;
@@ -116,10 +112,9 @@ bool read_tables(KOfflineDb* db, const char* path) {
 }
 
 bool build_indexes(KOfflineDb* db) {
-    for (const auto& index : kIndexes) {
-        for (const char* field : index.fields) {
-            if (field && !KOfflineTable_LoadIdx(&db->tables[index.table], field)) return false;
-        }
+    for (const WellKnownField& field : kWellKnownFields) {
+        if (field.rule != FieldRule::required) continue;
+        if (!KOfflineTable_LoadIdx(&db->tables[field.table], field.name)) return false;
     }
     return true;
 }
@@ -130,22 +125,20 @@ void find_root(KOfflineDb* db, const char* code) {
 
 }  // namespace
 
-void KOfflineDb_AppendSchemaField(KOfflineTable* table, const char* name) {
-    (void)append_field(table, name);  // it notes a failure, which the load meets there
+Failure KOfflineDb_AppendSchemaField(KOfflineTable* table, const char* name) {
+    return append_field(table, name);
 }
 
-std::int32_t KOfflineDb_FileExists(KOfflineDb* db, const char* path) {
-    KOfflineStream stream;
-    if (!path || *path == 0 || !KOfflineStream_Open(db, path, 0, &stream)) return 0;
-    KOfflineStream_Close(db, &stream);
-    return 1;
-}
+}  // namespace vlt
 
-std::int32_t KOfflineDb_Load(KOfflineDb* db, const char* path) {
+using namespace vlt;
+
+VLT_API std::int32_t VLT_CALL KOfflineDb_Load(KOfflineDb* db, const char* path) {
     if (!db) return 0;
     if (!path) path = "";
     db->root_nid = -1;
     db->error_code = KOFFLINE_ERR_NONE;
+    end_texts(db);
     KOfflineDb_SchemaState state;
     if (!open_source(db, path) || !load_schema(db, path, &state)) return 0;
     if (!require_tables(db, state) || !add_default_fields(db, state) || !require_separator(db)) return 0;

@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
-// Steps of a load that other parts of the database layer use.
+// The step of a load that has a name of its own; the load itself is KOfflineDb_Load.
 #pragma once
 
-#include <cstdint>
-
 #include "include/offline.h"
+#include "offline/db/error_state.h"
+
+namespace vlt {
 
 /// Appends a field under a name as it stands, without looking for one of that name; a name over 32 bytes is cut, for
-/// dropping the field would shift the columns after it. Sets KOFFLINE_ERR_MEMORY when memory runs out.
-void KOfflineDb_AppendSchemaField(KOfflineTable* table, const char* name);
+/// dropping the field would shift the columns after it.
+Failure KOfflineDb_AppendSchemaField(KOfflineTable* table, const char* name);
 
-/// 1 when a stream of `db` can be opened on `path` for reading, else 0.
-std::int32_t KOfflineDb_FileExists(KOfflineDb* db, const char* path);
+}  // namespace vlt

@@ -1,24 +1,19 @@
 // SPDX-License-Identifier: MIT
+#include "offline/db/schema_read.h"
+
 #include <algorithm>
 #include <cstring>
 
 #include "base/ascii_case.h"
 #include "base/heap.h"
-#include "offline/db/load.h"
-#include "offline/db/schema.h"
+#include "offline/db/separator.h"
 #include "offline/db/stream.h"
-#include "offline/tables/error_state.h"
-#include "offline/tables/table.h"
+#include "offline/tables/fields.h"
 #include "offline/tables/text.h"
 
-namespace {
+namespace vlt {
 
-template <std::size_t size>
-void copy_cut(char (&to)[size], const char* from) {
-    const std::size_t length = std::min(std::strlen(from), size - 1);
-    std::memcpy(to, from, length);
-    to[length] = 0;
-}
+namespace {
 
 /// Takes the next word off a value, trimmed; null when there is none.
 char* take_word(char** rest) {
@@ -39,11 +34,11 @@ int find_table(const char* name) {
 bool open_section(KOfflineDb_SchemaState& state, const char* first, char* rest) {
     const bool table = equals_fold(first, "table");
     if (!table && !equals_fold(first, "ini")) return false;
-    copy_cut(state.section, first);
+    text_copy_cut(state.section, sizeof state.section, first);
     if (!table) return true;
     const char* name = take_word(&rest);
     if (is_empty(name)) return false;
-    copy_cut(state.table, name);
+    text_copy_cut(state.table, sizeof state.table, name);
     const int found = find_table(name);
     if (found < TABLE_COUNT) state.declared[found] = 1;
     return true;
@@ -54,7 +49,8 @@ bool declare_field(KOfflineDb_SchemaState& state, const char* first, char* rest)
     if (table == TABLE_COUNT || !equals_fold(first, "field")) return false;
     const char* name = take_word(&rest);
     if (is_empty(name)) return false;
-    (void)append_field_alone(&state.db->tables[table], name);  // it notes a failure, which the load meets there
+    const Failure failure = append_field_alone(&state.db->tables[table], name);
+    if (failed(failure)) state.failure = failure;
     return true;
 }
 
@@ -63,7 +59,7 @@ bool set_separator(KOfflineDb& db, char* names) {
     char characters[kSeparatorNamesSize];
     // A separator that does not fit is refused whole: a part of it would split the lines elsewhere.
     if (KOfflineDb_ConvertSeparator(names, characters, 1) && std::strlen(characters) < sizeof db.separator) {
-        copy_cut(db.separator, characters);
+        text_copy_cut(db.separator, sizeof db.separator, characters);
     }
     return true;
 }
@@ -74,7 +70,7 @@ bool apply_setting(KOfflineDb_SchemaState& state, const char* first, char* rest)
     }
     if (!equals_fold(first, "root")) return false;
     const char* code = take_word(&rest);
-    if (code) copy_cut(state.root_code, code);
+    if (code) text_copy_cut(state.root_code, sizeof state.root_code, code);
     return true;
 }
 
@@ -88,28 +84,20 @@ bool apply_line(KOfflineDb_SchemaState& state, std::int32_t level, char* value) 
     return false;
 }
 
-/// Reads a whole file as a text. Returns no text with the error set.
-HeapBlock<char> read_text(KOfflineDb* db, const char* path) {
-    KOfflineStream stream;
-    HeapBlock<char> text;
-    std::int32_t error = KOFFLINE_ERR_FILE;
-    if (KOfflineStream_Open(db, path, 0, &stream)) {
-        std::int32_t size = 0;
-        if (KOfflineStream_GetSize(&stream, &size) && size >= 1) {
-            text = HeapBlock<char>::of(static_cast<std::size_t>(size) + 1);
-            if (!text) error = KOFFLINE_ERR_MEMORY;
-        }
-        if (text && KOfflineStream_Read(text.get(), size, &stream) != size) text.reset();
-        if (text) text[static_cast<std::size_t>(size)] = 0;
-        KOfflineStream_Close(db, &stream);
+/// Records of an earlier load are laid out once for all fields, not for each.
+Failure parse_schema(char* text, KOfflineDb* db, KOfflineDb_SchemaState* state) {
+    *state = {};
+    state->db = db;
+    std::int32_t old_counts[TABLE_COUNT];
+    for (int t = 0; t < TABLE_COUNT; ++t) old_counts[t] = KOfflineTable_GetFldsCount(&db->tables[t]);
+    const std::int32_t parsed =
+        KLevelText_Parse(text, 0, "\r\n", ",", ".", "//", "\t \r\n", 0, KOfflineDb_SchemaNode, state);
+    if (parsed < 0) state->failure = Failure::memory;
+    for (int t = 0; t < TABLE_COUNT; ++t) {
+        const Failure failure = lay_out_records(&db->tables[t], old_counts[t]);
+        if (failed(failure)) state->failure = failure;
     }
-    if (text) return text;
-    if (error == KOFFLINE_ERR_MEMORY) {
-        KOfflineDb_SetError(db, error);
-    } else {
-        KOfflineDb_SetErrorText(db, error, path);
-    }
-    return {};
+    return state->failure;
 }
 
 }  // namespace
@@ -120,16 +108,14 @@ std::int32_t KOfflineDb_SchemaNode(KLevelTextNode* node) {
     return 1;
 }
 
-std::int32_t read_schema(KOfflineDb* db, const char* path, KOfflineDb_SchemaState* state) {
-    const HeapBlock<char> text = read_text(db, path);
-    if (!text) return 0;
-    *state = {};
-    state->db = db;
-    std::int32_t old_counts[TABLE_COUNT];  // records of an earlier load are laid out once, not for each field
-    for (int t = 0; t < TABLE_COUNT; ++t) old_counts[t] = KOfflineTable_GetFldsCount(&db->tables[t]);
-    const std::int32_t parsed =
-        KLevelText_Parse(text.get(), 0, "\r\n", ",", ".", "//", "\t \r\n", 0, KOfflineDb_SchemaNode, state);
-    if (parsed < 0) KOfflineDb_SetError(db, KOFFLINE_ERR_MEMORY);
-    for (int t = 0; t < TABLE_COUNT; ++t) (void)lay_out_records(&db->tables[t], old_counts[t]);
-    return db->error_code != KOFFLINE_ERR_MEMORY;
+bool read_schema(KOfflineDb* db, const char* path, KOfflineDb_SchemaState* state) {
+    HeapBlock<char> text;
+    Failure failure = read_whole_file(db, path, &text);
+    if (!failed(failure) && !text) failure = Failure::file;
+    if (!failed(failure)) failure = parse_schema(text.get(), db, state);
+    if (failure == Failure::file) KOfflineDb_SetError(db, failure, path);
+    if (failure == Failure::memory) KOfflineDb_SetError(db, failure);
+    return !failed(failure);
 }
+
+}  // namespace vlt

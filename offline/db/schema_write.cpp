@@ -1,100 +1,68 @@
 // SPDX-License-Identifier: MIT
-#include <algorithm>
+#include "offline/db/schema_write.h"
+
 #include <cstring>
+#include <initializer_list>
 
 #include "offline/db/accessors.h"
-#include "offline/db/schema.h"
-#include "offline/db/stream.h"
-#include "offline/tables/error_state.h"
+#include "offline/db/separator.h"
+#include "offline/db/stream_writer.h"
+
+namespace vlt {
 
 namespace {
 
-/// Collects the lines of a schema and writes them in few calls. Failed writes go unnoticed: the data files that are
-/// written next meet the same full disk and report it.
-class SchemaFile {
-public:
-    SchemaFile(KOfflineDb* db, const KOfflineStream& stream) : db_(db), stream_(stream) {}
-    SchemaFile(const SchemaFile&) = delete;
-    SchemaFile& operator=(const SchemaFile&) = delete;
-    ~SchemaFile() {
-        flush();
-        KOfflineStream_Close(db_, &stream_);
-    }
+/// Failed writes go unnoticed; as a rule the data files that are written next meet the same full disk and report it.
+void put_line(StreamWriter* writer, std::initializer_list<const char*> parts) {
+    for (const char* part : parts) writer->put(part, std::strlen(part));
+    writer->put("\r\n", 2);
+}
 
-    void line(const char* start, const char* rest = "") {
-        put(start);
-        put(rest);
-        put("\r\n");
-    }
-
-private:
-    void put(const char* text) {
-        std::size_t left = std::strlen(text);
-        while (left) {
-            if (used_ == sizeof pending_) flush();
-            const std::size_t taken = std::min(left, sizeof pending_ - used_);
-            std::memcpy(pending_ + used_, text, taken);
-            used_ += taken;
-            text += taken;
-            left -= taken;
-        }
-    }
-
-    void flush() {
-        KOfflineStream_Write(pending_, static_cast<std::int32_t>(used_), &stream_);
-        used_ = 0;
-    }
-
-    KOfflineDb* db_;
-    KOfflineStream stream_;
-    std::size_t used_ = 0;
-    char pending_[8192];
-};
-
-constexpr const char* kTableLines[TABLE_COUNT] = {"1, table, bitm",   "1, table, bbom",  "1, table, bdwg",
-                                                  "1, table, bitdwg", "1, table, bcapp", "1, table, bitcap"};
-
-bool write_table(SchemaFile& file, KOfflineDb* db, int table) {
-    file.line(kTableLines[table]);
+bool write_table(StreamWriter* writer, KOfflineDb* db, int table) {
+    put_line(writer, {"1, table, ", kSchemaNames[table]});
     KOfflineTable* fields = &db->tables[table];
     const std::int32_t count = KOfflineTable_GetFldsCount(fields);
     for (std::int32_t i = 0; i < count; ++i) {
         char name[sizeof(KOfflineField::field_name)];
         if (!KOfflineTable_GetFldName(fields, i, name)) return false;
-        file.line("1.1, field, ", name);
+        put_line(writer, {"1.1, field, ", name});
     }
     return true;
 }
 
-bool write_settings(SchemaFile& file, KOfflineDb* db) {
-    file.line("1, ini");
+bool write_settings(StreamWriter* writer, KOfflineDb* db) {
+    put_line(writer, {"1, ini"});
     char names[kSeparatorNamesSize];
     if (!KOfflineDb_ConvertSeparator(db->separator, names, 0)) return false;
-    file.line("1.1, separator, ", names);
+    put_line(writer, {"1.1, separator, ", names});
     if (db->root_nid < 1) return true;
     const char* code = code_by_nid(db, TABLE_BITM, db->root_nid);
     if (!code) return false;
-    file.line("1.1, root, ", code);
+    put_line(writer, {"1.1, root, ", code});
     return true;
 }
 
-bool write_lines(SchemaFile& file, KOfflineDb* db) {
+bool write_lines(StreamWriter* writer, KOfflineDb* db) {
     for (int table = 0; table < TABLE_COUNT; ++table) {
-        if (!write_table(file, db, table)) return false;
+        if (!write_table(writer, db, table)) return false;
     }
-    return write_settings(file, db);
+    return write_settings(writer, db);
 }
 
 }  // namespace
 
-std::int32_t KOfflineDb_WriteSchema(KOfflineDb* db, const char* path) {
+bool KOfflineDb_WriteSchema(KOfflineDb* db, const char* path) {
     KOfflineStream stream;
     if (!KOfflineStream_Open(db, path, 1, &stream)) {
-        KOfflineDb_SetErrorText(db, KOFFLINE_ERR_FILE, path);
-        return 0;
+        KOfflineDb_SetError(db, Failure::file, path);
+        return false;
     }
-    SchemaFile file(db, stream);
-    if (write_lines(file, db)) return 1;
-    KOfflineDb_SetError(db, KOFFLINE_ERR_SCHEMA_WRITE);
-    return 0;
+    StreamWriter writer(&stream);
+    const bool composed = write_lines(&writer, db);
+    (void)writer.finish();
+    KOfflineStream_Close(db, &stream);
+    if (!composed) KOfflineDb_SetError(db, Failure::schema_write);
+    return composed;
 }
+
+}  // namespace vlt

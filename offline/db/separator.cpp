@@ -1,9 +1,12 @@
 // SPDX-License-Identifier: MIT
+#include "offline/db/separator.h"
+
 #include <cstring>
 
 #include "base/ascii_case.h"
-#include "offline/db/schema.h"
 #include "offline/tables/text.h"
+
+namespace vlt {
 
 namespace {
 
@@ -26,11 +29,11 @@ public:
 
     bool empty() const { return length_ == 0; }
 
-    std::int32_t store(char* out) const {
-        if (!fits_ || empty()) return 0;
+    bool store(char* out) const {
+        if (!fits_ || empty()) return false;
         std::memcpy(out, text_, length_);
         out[length_] = 0;
-        return 1;
+        return true;
     }
 
 private:
@@ -46,7 +49,7 @@ void append_meaning(Result& result, const char* piece) {
     result.append(piece, std::strlen(piece));
 }
 
-std::int32_t names_into_characters(char* text, char* out) {
+bool names_into_characters(char* text, char* out) {
     Result result;
     char* piece = text;
     for (char* at = text;;) {
@@ -71,7 +74,7 @@ void append_name(Result& result, const char* character, std::size_t length) {
     result.append(character, length);
 }
 
-std::int32_t characters_into_names(const char* text, char* out) {
+bool characters_into_names(const char* text, char* out) {
     Result result;
     while (*text) {
         const char* next = KText_NextChar(text);
@@ -83,7 +86,9 @@ std::int32_t characters_into_names(const char* text, char* out) {
 
 }  // namespace
 
-std::int32_t KOfflineDb_ConvertSeparator(char* text, char* out, std::int32_t names_to_chars) {
-    if (!text || !out) return 0;
+bool KOfflineDb_ConvertSeparator(char* text, char* out, std::int32_t names_to_chars) {
+    if (!text || !out) return false;
     return names_to_chars ? names_into_characters(text, out) : characters_into_names(text, out);
 }
+
+}  // namespace vlt

@@ -6,6 +6,8 @@
 #include "offline/db/file_names.h"
 #include "platform/disk_stream.h"
 
+namespace vlt {
+
 namespace {
 
 constexpr std::size_t kStoredNameMax = 255;
@@ -31,10 +33,23 @@ bool stored_size(std::uint32_t handle, std::int64_t* size) {
     return vlt_file_set_pos_eof(handle) && vlt_file_get_pos(handle, size) && vlt_file_set_pos_bof(handle);
 }
 
+Failure read_whole(KOfflineStream* stream, HeapBlock<char>* text) {
+    std::int32_t size = 0;
+    if (!KOfflineStream_GetSize(stream, &size)) return Failure::file;
+    if (size < 1) return Failure::none;
+    const auto length = static_cast<std::size_t>(size);
+    auto room = HeapBlock<char>::of(length + 1);
+    if (!room) return Failure::memory;
+    if (KOfflineStream_Read(room.get(), size, stream) < size) return Failure::file;
+    room[length] = 0;
+    text->reset(room.release());
+    return Failure::none;
+}
+
 }  // namespace
 
-std::int32_t KOfflineStream_Open(KOfflineDb* db, const char* path, std::int32_t for_writing, KOfflineStream* stream) {
-    if (!path) return 0;
+bool KOfflineStream_Open(KOfflineDb* db, const char* path, std::int32_t for_writing, KOfflineStream* stream) {
+    if (!path) return false;
     const bool writing = for_writing != 0;
     const bool in_package = db && db->package >= 1;
     return in_package ? open_stored(db->package, path, writing, stream) : open_disk(path, writing, stream);
@@ -46,24 +61,24 @@ std::int32_t KOfflineStream_Read(void* buffer, std::int32_t count, KOfflineStrea
     return static_cast<std::int32_t>(disk_read(stream->file.disk, buffer, static_cast<std::size_t>(count)));
 }
 
-std::int32_t KOfflineStream_Write(const void* buffer, std::int32_t count, KOfflineStream* stream) {
-    if (!buffer || count < 1) return 1;
-    if (stream->in_package >= 1) return vlt_file_write(stream->file.handle, buffer, count);
+bool KOfflineStream_Write(const void* buffer, std::int32_t count, KOfflineStream* stream) {
+    if (!buffer || count < 1) return true;
+    if (stream->in_package >= 1) return vlt_file_write(stream->file.handle, buffer, count) == 1;
     return disk_write(stream->file.disk, buffer, static_cast<std::size_t>(count));
 }
 
-std::int32_t KOfflineStream_GetSize(KOfflineStream* stream, std::int32_t* size) {
+bool KOfflineStream_GetSize(KOfflineStream* stream, std::int32_t* size) {
     *size = 0;
     std::int64_t length = 0;
     const bool known =
         stream->in_package >= 1 ? stored_size(stream->file.handle, &length) : disk_size(stream->file.disk, &length);
-    if (!known || length > INT32_MAX) return 0;
+    if (!known || length > INT32_MAX) return false;
     *size = static_cast<std::int32_t>(length);
-    return 1;
+    return true;
 }
 
-std::int32_t KOfflineStream_Flush(KOfflineStream* stream) {
-    return stream->in_package >= 1 || disk_flush(stream->file.disk) ? 1 : 0;
+bool KOfflineStream_Flush(KOfflineStream* stream) {
+    return stream->in_package >= 1 || disk_flush(stream->file.disk);
 }
 
 void KOfflineStream_Close(KOfflineDb*, KOfflineStream* stream) {
@@ -73,3 +88,20 @@ void KOfflineStream_Close(KOfflineDb*, KOfflineStream* stream) {
         disk_close(stream->file.disk);
     }
 }
+
+bool KOfflineDb_FileExists(KOfflineDb* db, const char* path) {
+    KOfflineStream stream;
+    if (!path || *path == 0 || !KOfflineStream_Open(db, path, 0, &stream)) return false;
+    KOfflineStream_Close(db, &stream);
+    return true;
+}
+
+Failure read_whole_file(KOfflineDb* db, const char* path, HeapBlock<char>* text) {
+    KOfflineStream stream;
+    if (!KOfflineStream_Open(db, path, 0, &stream)) return Failure::file;
+    const Failure failure = read_whole(&stream, text);
+    KOfflineStream_Close(db, &stream);
+    return failure;
+}
+
+}  // namespace vlt

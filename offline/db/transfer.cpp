@@ -1,9 +1,10 @@
 // SPDX-License-Identifier: MIT
 #include <algorithm>
 
-#include "offline/db/load.h"
 #include "offline/db/stream.h"
 #include "platform/disk_stream.h"
+
+namespace vlt {
 
 namespace {
 
@@ -24,10 +25,9 @@ void copy_out(KOfflineStream* from, std::FILE* to) {
     }
 }
 
-/// Copies no more than the disk file holds at first: it may be the package itself, which grows as it is read.
-void copy_in(std::FILE* from, KOfflineStream* to) {
-    std::int64_t left = 0;
-    if (!disk_size(from, &left)) left = INT64_MAX;
+/// Copies no more than the `left` bytes that the disk file holds at first: it may be the package itself, which grows
+/// as it is read.
+void copy_in(std::FILE* from, std::int64_t left, KOfflineStream* to) {
     char chunk[KOfflineDb_COPY_CHUNK];
     std::size_t length;
     while ((length = disk_read(from, chunk, KOfflineDb_COPY_CHUNK)) > 0 && left > 0) {
@@ -39,7 +39,12 @@ void copy_in(std::FILE* from, KOfflineStream* to) {
 
 }  // namespace
 
-std::int32_t KOfflineDb_GetPackageFile(KOfflineDb* db, const char* stored_name, const char* disk_path) {
+}  // namespace vlt
+
+using namespace vlt;
+
+VLT_API std::int32_t VLT_CALL KOfflineDb_GetPackageFile(KOfflineDb* db, const char* stored_name,
+                                                        const char* disk_path) {
     std::FILE* disk = has_package(db) && disk_path ? disk_open(disk_path, DiskMode::write) : nullptr;
     if (!disk) return 0;
     KOfflineStream stored;
@@ -50,17 +55,19 @@ std::int32_t KOfflineDb_GetPackageFile(KOfflineDb* db, const char* stored_name, 
     return opened;
 }
 
-std::int32_t KOfflineDb_SavePackageFile(KOfflineDb* db, const char* disk_path, const char* stored_name) {
+VLT_API std::int32_t VLT_CALL KOfflineDb_SavePackageFile(KOfflineDb* db, const char* disk_path,
+                                                         const char* stored_name) {
     std::FILE* disk = has_package(db) && disk_path ? disk_open(disk_path, DiskMode::read) : nullptr;
     if (!disk) return 0;
     KOfflineStream stored;
-    const bool opened = KOfflineStream_Open(db, stored_name, 1, &stored);
-    if (opened) copy_in(disk, &stored);
+    std::int64_t size = 0;
+    const bool opened = disk_size(disk, &size) && KOfflineStream_Open(db, stored_name, 1, &stored);
+    if (opened) copy_in(disk, size, &stored);
     disk_close(disk);
     if (opened) KOfflineStream_Close(db, &stored);
     return opened;
 }
 
-std::int32_t KOfflineDb_CheckPackageFileExist(KOfflineDb* db, const char* stored_name) {
-    return has_package(db) ? KOfflineDb_FileExists(db, stored_name) : 0;
+VLT_API std::int32_t VLT_CALL KOfflineDb_CheckPackageFileExist(KOfflineDb* db, const char* stored_name) {
+    return has_package(db) && KOfflineDb_FileExists(db, stored_name);
 }

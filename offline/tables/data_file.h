@@ -11,9 +11,13 @@
 
 #include "include/offline.h"
 
-/// Replaces the table's records by those of a file. Returns 1, or 0 with the error state set: a file that cannot be
-/// read leaves the table without records, a record that cannot be added leaves those before it.
-std::int32_t KOfflineTable_ReadFile(KOfflineTable* table, const char* path, const char* separator);
+namespace vlt {
 
-/// Adds a record for each line of a terminated text. Returns 1, or 0 at the first record that cannot be added.
-std::int32_t KOfflineTable_ParseLines(KOfflineTable* table, const char* text, const char* separator);
+/// Replaces the table's records by those of a file. False with the error state set: a file that cannot be read leaves
+/// the table without records, a record that cannot be added leaves those before it.
+bool KOfflineTable_ReadFile(KOfflineTable* table, const char* path, const char* separator);
+
+/// Adds a record for each line of a terminated text. False at the first record that cannot be added.
+bool KOfflineTable_ParseLines(KOfflineTable* table, const char* text, const char* separator);
+
+}  // namespace vlt

@@ -7,6 +7,8 @@
 #include "include/offline.h"
 #include "offline/tables/text.h"
 
+namespace vlt {
+
 namespace {
 
 constexpr std::size_t kNoLimit = 1879048192;
@@ -107,7 +109,7 @@ bool has_prefix(const char* text, const char* prefix, std::size_t length) {
     return std::strncmp(text, prefix, length) == 0;
 }
 
-int32_t encode(const char* input, char escape, const Rules& rules, Output* output) {
+std::int32_t encode(const char* input, char escape, const Rules& rules, Output* output) {
     const char* run = input;
     const char* at = input;
     Rule rule;
@@ -123,7 +125,7 @@ int32_t encode(const char* input, char escape, const Rules& rules, Output* outpu
     return output->append(run, span(run, at)) ? 0 : 2;
 }
 
-int32_t decode(const char* input, char escape, const Rules& rules, Output* output) {
+std::int32_t decode(const char* input, char escape, const Rules& rules, Output* output) {
     const char* at = input;
     Rule rule;
     while (true) {
@@ -131,7 +133,7 @@ int32_t decode(const char* input, char escape, const Rules& rules, Output* outpu
         if (!output->append(at, mark ? span(at, mark) : std::strlen(at))) return 2;
         if (!mark) return 0;
         const auto match = [&](const Rule& r) { return has_prefix(mark + 1, r.code, r.code_length); };
-        if (!rules.find(match, &rule)) return -static_cast<int32_t>(mark - input) - 1;
+        if (!rules.find(match, &rule)) return -static_cast<std::int32_t>(mark - input) - 1;
         if (!output->append(rule.plain, rule.plain_length)) return 2;
         at = mark + 1 + rule.code_length;
     }
@@ -159,8 +161,8 @@ const char* find_escape(const char* text, std::size_t length, bool ascii_is_whol
 
 constexpr EscapeCodes kEscapeCodes = make_codes();
 
-int32_t KText_Swap(const char* input, char escape, const char* table, char entry_separator, char pair_separator,
-                   char* output, int32_t size, int32_t direction) {
+std::int32_t KText_Swap(const char* input, char escape, const char* table, char entry_separator, char pair_separator,
+                        char* output, std::int32_t size, std::int32_t direction) {
     if (entry_separator == pair_separator) return 1;
     if (!output) return 2;
     TextCopy own_input;
@@ -171,11 +173,6 @@ int32_t KText_Swap(const char* input, char escape, const char* table, char entry
     if (*own_input.get() == 0) return 0;
     const Rules rules(&escape, own_table.get(), entry_separator, pair_separator);
     return direction ? encode(own_input.get(), escape, rules, &out) : decode(own_input.get(), escape, rules, &out);
-}
-
-int32_t VLT_CALL KOfflineDb_StrSwap(const char* src, char* dst, int32_t dst_size, int32_t direction) {
-    return KText_Swap(src, KOFFLINE_ESCAPE_CHAR, KOFFLINE_ESCAPE_TABLE, KOFFLINE_ENTRY_SEPARATOR,
-                      KOFFLINE_PAIR_SEPARATOR, dst, dst_size, direction) == 0;
 }
 
 std::size_t escape_decode(char* text, std::size_t length, bool ascii_is_whole) {
@@ -194,4 +191,14 @@ std::size_t escape_decode(char* text, std::size_t length, bool ascii_is_whole) {
     }
     *out = 0;
     return span(text, out);
+}
+
+}  // namespace vlt
+
+using namespace vlt;
+
+VLT_API std::int32_t VLT_CALL KOfflineDb_StrSwap(const char* src, char* dst, std::int32_t dst_size,
+                                                 std::int32_t direction) {
+    return KText_Swap(src, KOFFLINE_ESCAPE_CHAR, KOFFLINE_ESCAPE_TABLE, KOFFLINE_ENTRY_SEPARATOR,
+                      KOFFLINE_PAIR_SEPARATOR, dst, dst_size, direction) == 0;
 }

@@ -16,6 +16,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace vlt {
+
 inline constexpr char KOFFLINE_ESCAPE_CHAR = '\\';
 inline constexpr char KOFFLINE_ESCAPE_TABLE[] = "c:,|t:\t|r:\r|n:\n|/:/";
 inline constexpr char KOFFLINE_ENTRY_SEPARATOR = '|';
@@ -28,8 +30,8 @@ inline constexpr char KOFFLINE_PAIR_SEPARATOR = ':';
 /// Returns 0; 1 when the two separators are equal (nothing is written); 2 when the output does not fit or memory runs
 /// out; -p when decoding meets at position p, counted from 1, an escape character that no entry continues. After 2
 /// and -p the output holds what was made before.
-int32_t KText_Swap(const char* input, char escape, const char* table, char entry_separator, char pair_separator,
-                   char* output, int32_t size, int32_t direction);
+std::int32_t KText_Swap(const char* input, char escape, const char* table, char entry_separator, char pair_separator,
+                        char* output, std::int32_t size, std::int32_t direction);
 
 /// Decodes a value in place and returns its new length; what cannot be decoded ends the value. `ascii_is_whole` is
 /// what multibyte_ascii_is_whole() said, asked once for many values.
@@ -46,3 +48,5 @@ extern const EscapeCodes kEscapeCodes;
 inline char escape_code(char plain) {
     return kEscapeCodes.code[static_cast<unsigned char>(plain)];
 }
+
+}  // namespace vlt

@@ -1,22 +1,17 @@
 // SPDX-License-Identifier: MIT
-#include <algorithm>
+#include "offline/tables/fields.h"
+
 #include <cstring>
 
 #include "base/ascii_case.h"
-#include "offline/tables/error_state.h"
-#include "offline/tables/headed.h"
+#include "offline/tables/caller_changes.h"
 #include "offline/tables/index.h"
 #include "offline/tables/record_store.h"
-#include "offline/tables/table.h"
 #include "offline/tables/text.h"
 
+namespace vlt {
+
 namespace {
-
-struct FieldsHead {
-    std::size_t slots;  ///< fields the array has room for; a schema may declare very many, one by one
-};
-
-using Fields = Headed<FieldsHead, KOfflineField>;
 
 bool reserve_field(KOfflineTable* table) {
     const auto count = static_cast<std::size_t>(table->field_count);
@@ -30,29 +25,43 @@ bool reserve_field(KOfflineTable* table) {
     return true;
 }
 
+void set_count(KOfflineTable* table, std::int32_t count) {
+    table->field_count = Fields::head(table->fields)->count = count;
+}
+
+/// The name of a field, which is ended here: a caller may have written over its end.
+const char* field_name(KOfflineField* field) {
+    field->field_name[kFieldNameMax] = 0;
+    return field->field_name;
+}
+
 }  // namespace
 
-bool append_field_alone(KOfflineTable* table, const char* name) {
+Failure append_field_alone(KOfflineTable* table, const char* name) {
     KOfflineField field{};
-    std::memcpy(field.field_name, name, ::strnlen(name, kFieldNameMax));
-    table->field_count = std::max(table->field_count, 0);
-    if (!reserve_field(table)) {  // which moves the fields, and a name that a caller has from them
-        KOfflineDb_SetError(table->db, KOFFLINE_ERR_MEMORY);
-        return false;
-    }
-    table->fields[table->field_count++] = field;
-    return true;
+    text_copy_cut(field.field_name, sizeof field.field_name, name);
+    take_over_changes(table);
+    // Growing moves the fields, and a name that a caller has from them.
+    if (!reserve_field(table)) return Failure::memory;
+    table->fields[table->field_count] = field;
+    set_count(table, table->field_count + 1);
+    return Failure::none;
 }
 
-bool lay_out_records(KOfflineTable* table, std::int32_t old_count) {
-    if (store_widen(table, old_count, table->field_count - old_count)) return true;
-    KOfflineDb_SetError(table->db, KOFFLINE_ERR_MEMORY);
-    table->field_count = old_count;
-    return false;
+Failure lay_out_records(KOfflineTable* table, std::int32_t old_count) {
+    if (store_widen(table, old_count, table->field_count - old_count)) return Failure::none;
+    set_count(table, old_count);
+    return Failure::memory;
 }
 
-bool append_field(KOfflineTable* table, const char* name) {
-    return append_field_alone(table, name) && lay_out_records(table, table->field_count - 1);
+Failure append_field(KOfflineTable* table, const char* name) {
+    const Failure failure = append_field_alone(table, name);
+    return failed(failure) ? failure : lay_out_records(table, table->field_count - 1);
+}
+
+void truncate_fields(KOfflineTable* table, std::int32_t count) {
+    for (std::int32_t i = count; i < Fields::head(table->fields)->count; ++i) index_free(&table->fields[i]);
+    set_count(table, count);
 }
 
 void free_fields(KOfflineTable* table) {
@@ -61,32 +70,41 @@ void free_fields(KOfflineTable* table) {
     table->field_count = 0;
 }
 
-int32_t VLT_CALL KOfflineTable_AddFld(KOfflineTable* table, const char* name) {
+}  // namespace vlt
+
+using namespace vlt;
+
+VLT_API std::int32_t VLT_CALL KOfflineTable_AddFld(KOfflineTable* table, const char* name) {
     if (!table || !name || *name == 0) return -1;
-    const int32_t existing = KOfflineTable_GetFldIndex(table, name);
+    const std::int32_t existing = KOfflineTable_GetFldIndex(table, name);
     if (existing >= 0) return existing;
-    if (std::strlen(name) > kFieldNameMax || !append_field(table, name)) return -1;
-    return table->field_count - 1;
+    if (std::strlen(name) > kFieldNameMax) return -1;
+    const Failure failure = append_field(table, name);
+    if (failed(failure)) KOfflineDb_SetError(table->db, failure);
+    return failed(failure) ? -1 : table->field_count - 1;
 }
 
-int32_t VLT_CALL KOfflineTable_GetFldsCount(KOfflineTable* table) {
+VLT_API std::int32_t VLT_CALL KOfflineTable_GetFldsCount(KOfflineTable* table) {
     if (!table) return 0;
-    table->field_count = std::max(table->field_count, 0);
+    take_over_changes(table);
     return table->field_count;
 }
 
-int32_t VLT_CALL KOfflineTable_GetFldIndex(KOfflineTable* table, const char* name) {
+VLT_API std::int32_t VLT_CALL KOfflineTable_GetFldIndex(KOfflineTable* table, const char* name) {
     if (!table || !name) return -1;
+    take_over_changes(table);
     const char* key = text_name_key(name);
-    for (int32_t field = 0; field < table->field_count; ++field) {
-        if (equals_fold(text_name_key(table->fields[field].field_name), key)) return field;
+    for (std::int32_t field = 0; field < table->field_count; ++field) {
+        if (equals_fold(text_name_key(field_name(&table->fields[field])), key)) return field;
     }
     return -1;
 }
 
-int32_t VLT_CALL KOfflineTable_GetFldName(KOfflineTable* table, int32_t field, char* name) {
+VLT_API std::int32_t VLT_CALL KOfflineTable_GetFldName(KOfflineTable* table, std::int32_t field, char* name) {
     if (name) *name = 0;
+    if (!table) return 0;
+    take_over_changes(table);
     if (!table_has_field(table, field)) return 0;
-    if (name) std::memcpy(name, table->fields[field].field_name, std::strlen(table->fields[field].field_name) + 1);
+    if (name) std::strcpy(name, field_name(&table->fields[field]));
     return 1;
 }

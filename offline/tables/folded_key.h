@@ -7,6 +7,8 @@
 #include <cstdint>
 #include <cstring>
 
+namespace vlt {
+
 /// A to Z in each of eight bytes become a to z.
 constexpr std::uint64_t fold_eight(std::uint64_t bytes) {
     constexpr std::uint64_t each = 0x0101010101010101;
@@ -89,3 +91,5 @@ private:
     std::size_t length_;
     std::uint64_t first_;
 };
+
+}  // namespace vlt

@@ -8,6 +8,8 @@
 
 #include "base/heap.h"
 
+namespace vlt {
+
 template <typename Head, typename T>
 struct Headed {
     static_assert(sizeof(Head) % alignof(T) == 0);
@@ -28,3 +30,5 @@ struct Headed {
         if (elements) heap_free(head(elements));
     }
 };
+
+}  // namespace vlt

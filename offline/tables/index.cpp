@@ -4,17 +4,15 @@
 #include <algorithm>
 #include <cstring>
 
-#include "base/ascii_case.h"
-#include "base/check.h"
-#include "offline/tables/error_state.h"
+#include "offline/tables/caller_changes.h"
 #include "offline/tables/index_build.h"
-#include "offline/tables/record.h"
+#include "offline/tables/index_insert.h"
+#include "offline/tables/plain_truth.h"
 #include "offline/tables/search_aid.h"
-#include "offline/tables/table.h"
+
+namespace vlt {
 
 namespace {
-
-constexpr std::int32_t kCheckedRecords = 600;  // what checks cost is bounded: larger indexes are taken as they are
 
 /// Makes room for as many entries as the table has for records; what is new is zero.
 bool reserve(const KOfflineTable* table, KOfflineField* field) {
@@ -29,15 +27,6 @@ bool reserve(const KOfflineTable* table, KOfflineField* field) {
     return true;
 }
 
-/// Compares an index that claims to be exact with the plain sort.
-void check_exact(const KOfflineTable* table, std::int32_t field) {
-    const std::int32_t* index = table->fields[field].index;
-    if (!index || Index::head(const_cast<std::int32_t*>(index))->held > kCheckedRecords) return;
-    std::int32_t plain[kCheckedRecords];
-    index_order_plain({table, field}, plain, table->record_count);
-    check_truth(std::equal(index, index + table->record_count, plain));
-}
-
 void sort_entries(const KOfflineTable* table, std::int32_t field) {
     std::int32_t* index = table->fields[field].index;
     IndexHead* head = Index::head(index);
@@ -47,6 +36,7 @@ void sort_entries(const KOfflineTable* table, std::int32_t field) {
     head->has_ties = head->distinct < head->held;
     head->order = IndexOrder::exact;
     std::fill(index + head->held, index + head->slots, 0);
+    note_entries(index);
 }
 
 /// Whether an index is what a sort of the present records would give, or could be made so without one.
@@ -59,7 +49,7 @@ bool is_exact(const KOfflineTable* table, std::int32_t field) {
 bool refresh(KOfflineTable* table, std::int32_t field) {
     if (!reserve(table, &table->fields[field])) return false;
     if (!is_exact(table, field)) sort_entries(table, field);
-    if (check_derived) check_exact(table, field);
+    check_exact({table, field});
     return true;
 }
 
@@ -72,8 +62,8 @@ bool run_has(const std::int32_t* run, std::int32_t record) {
     return found != 0;
 }
 
-/// Copies entries, lowering those above `record` by one; `to` is `from` or lies before it.
-void lower(const std::int32_t* from, std::int32_t* to, std::size_t count, std::int32_t record) {
+/// Copies entries and decrements those above `record`; `to` is `from` or lies before it.
+void copy_decremented(const std::int32_t* from, std::int32_t* to, std::size_t count, std::int32_t record) {
     std::size_t i = 0;
     for (; i + kRun <= count; i += kRun) {
         std::int32_t run[kRun];
@@ -83,30 +73,19 @@ void lower(const std::int32_t* from, std::int32_t* to, std::size_t count, std::i
     for (; i < count; ++i) to[i] = from[i] - (from[i] > record);
 }
 
-/// Removes the entry of a record and lowers the higher ones, in one pass.
+/// Removes the entry of a record and decrements the higher ones, in one pass.
 void remove_entry(std::int32_t* index, std::size_t count, std::int32_t record) {
     std::size_t at = 0;
     for (; at + kRun <= count && !run_has(index + at, record); at += kRun)
-        lower(index + at, index + at, kRun, record);
+        copy_decremented(index + at, index + at, kRun, record);
     const auto place = static_cast<std::size_t>(std::find(index + at, index + count, record) - index);
-    lower(index + at, index + at, place - at, record);
+    copy_decremented(index + at, index + at, place - at, record);
     if (place == count) return;  // not there: a caller has written into the array
-    lower(index + place + 1, index + place, count - place - 1, record);
+    copy_decremented(index + place + 1, index + place, count - place - 1, record);
     index[count - 1] = 0;
 }
 
 }  // namespace
-
-int KOfflineTable_CompareRecs(const void* left, const void* right, void* context) {
-    const auto* own = static_cast<const IndexContext*>(context);
-    return compare_fold(own->value(*static_cast<const std::int32_t*>(left)),
-                        own->value(*static_cast<const std::int32_t*>(right)));
-}
-
-int KOfflineTable_CompareKey(const void* key, const void* entry, void* context) {
-    const auto* own = static_cast<const IndexContext*>(context);
-    return compare_fold(static_cast<const char*>(key), own->value(*static_cast<const std::int32_t*>(entry)));
-}
 
 bool index_build(KOfflineTable* table, std::int32_t field) {
     if (table->record_capacity < 1) {
@@ -115,7 +94,7 @@ bool index_build(KOfflineTable* table, std::int32_t field) {
     }
     if (!reserve(table, &table->fields[field])) return false;
     sort_entries(table, field);
-    if (check_derived) check_exact(table, field);
+    check_exact({table, field});
     return true;
 }
 
@@ -123,7 +102,7 @@ bool KOfflineTable_RefreshIndexes(KOfflineTable* table) {
     if (!table->indexes_stale) return true;
     for (std::int32_t field = 0; field < table->field_count; ++field) {
         if (!table->fields[field].index || refresh(table, field)) continue;
-        KOfflineDb_SetError(table->db, KOFFLINE_ERR_MEMORY);
+        KOfflineDb_SetError(table->db, Failure::memory);
         return false;
     }
     table->indexes_stale = 0;
@@ -137,6 +116,12 @@ void index_value_changed(KOfflineField* field, std::int32_t record) {
     head->order = IndexOrder::outdated;
 }
 
+void index_records_gone(KOfflineField* field) {
+    if (!field->index) return;
+    index_entries_change(Index::head(field->index));
+    Index::head(field->index)->order = IndexOrder::outdated;
+}
+
 void index_remove(KOfflineField* field, std::int32_t record) {
     if (!field->index) return;
     IndexHead* head = Index::head(field->index);
@@ -144,12 +129,14 @@ void index_remove(KOfflineField* field, std::int32_t record) {
     index_entries_change(head);
     remove_entry(field->index, static_cast<std::size_t>(head->held), record);
     --head->held;
+    note_entries(field->index);
     if (head->has_ties && head->order == IndexOrder::exact) head->order = IndexOrder::mended;
 }
 
 void index_entries_change(IndexHead* head) {
     search_aid_free(head->aid);
     head->aid = nullptr;
+    head->aid_refused = 0;
     head->searches = 0;
 }
 
@@ -160,18 +147,25 @@ void index_free(KOfflineField* field) {
     field->index = nullptr;
 }
 
-int32_t VLT_CALL KOfflineTable_LoadIdx(KOfflineTable* table, const char* name) {
+}  // namespace vlt
+
+using namespace vlt;
+
+VLT_API std::int32_t VLT_CALL KOfflineTable_LoadIdx(KOfflineTable* table, const char* name) {
     if (!table) return 0;
-    const int32_t field = KOfflineTable_GetFldIndex(table, name);
+    take_over_changes(table);
+    const std::int32_t field = KOfflineTable_GetFldIndex(table, name);
     if (field < 0) {
-        KOfflineDb_SetErrorText(table->db, KOFFLINE_ERR_INDEX, name);
+        KOfflineDb_SetError(table->db, Failure::index, name);
         return 0;
     }
     if (index_build(table, field)) return 1;
-    KOfflineDb_SetError(table->db, KOFFLINE_ERR_MEMORY);
+    KOfflineDb_SetError(table->db, Failure::memory);
     return 0;
 }
 
-int32_t* VLT_CALL KOfflineTable_GetIndexRecs(KOfflineTable* table, int32_t field) {
+VLT_API std::int32_t* VLT_CALL KOfflineTable_GetIndexRecs(KOfflineTable* table, std::int32_t field) {
+    if (!table) return nullptr;
+    take_over_changes(table);
     return table_has_field(table, field) ? table->fields[field].index : nullptr;
 }

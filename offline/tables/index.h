@@ -14,6 +14,8 @@
 #include "offline/tables/headed.h"
 #include "offline/tables/record.h"
 
+namespace vlt {
+
 struct SearchAid;
 
 enum class IndexOrder : std::int32_t {
@@ -23,13 +25,15 @@ enum class IndexOrder : std::int32_t {
 };
 
 struct IndexHead {
+    std::uint64_t sum;      ///< of the entries as the library left them, in builds that check derived structures
     std::int32_t slots;     ///< entries there is room for
     std::int32_t held;      ///< entries there are, for the records 0 to held - 1
     std::int32_t distinct;  ///< different values among them, or more after deletions
     IndexOrder order;
-    SearchAid* aid;          ///< null, or made for the entries as they are
-    std::uint32_t searches;  ///< since the entries last changed
-    std::int32_t has_ties;   ///< 1 when two of the entries may have equal values
+    SearchAid* aid;            ///< null, or made for the entries as they are
+    std::uint32_t searches;    ///< since the entries last changed
+    std::int16_t has_ties;     ///< 1 when two of the entries may have equal values
+    std::int16_t aid_refused;  ///< 1 when the entries as they are cannot have an aid
 };
 
 using Index = Headed<IndexHead, std::int32_t>;
@@ -39,14 +43,12 @@ struct IndexContext {
     const KOfflineTable* table;
     std::int32_t field;
 
+    /// The empty text for a number that no record has: callers may have written into an index.
     const char* value(std::int32_t record) const {
+        if (static_cast<std::uint32_t>(record) >= static_cast<std::uint32_t>(table->record_count)) return kNoText;
         return record_text_or_empty(table->records[record], table->field_count, field);
     }
 };
-
-/// Comparators for KArray_Sort, over two entries, and for KArray_SearchRange, over a text and an entry.
-int KOfflineTable_CompareRecs(const void* left, const void* right, void* context);
-int KOfflineTable_CompareKey(const void* key, const void* entry, void* context);
 
 /// Builds the index of a field, in the place of the old one if there is one; a table without room for records gets
 /// none. False when memory runs out, and nothing has changed.
@@ -55,30 +57,24 @@ bool index_build(KOfflineTable* table, std::int32_t field);
 /// Makes every index of a table current when they may be stale. False when memory runs out; the table stays stale.
 bool KOfflineTable_RefreshIndexes(KOfflineTable* table);
 
-/// A value of a record has changed in more than letter case.
+/// Whether an index serves searches as it is: nothing has changed but by deletions, which it was mended for.
+inline bool index_is_current(const KOfflineTable* table, std::int32_t field) {
+    const IndexHead* head = Index::head(table->fields[field].index);
+    return !table->indexes_stale && head->held == table->record_count && head->order != IndexOrder::outdated;
+}
+
+/// Notes that a value of a record has changed in more than letter case.
 void index_value_changed(KOfflineField* field, std::int32_t record);
 
-/// A record was deleted and those after it have moved down: its entry goes, higher numbers are lowered by one.
+/// Records at the end were deleted: the index is refreshed before it serves again.
+void index_records_gone(KOfflineField* field);
+
+/// Removes the entry of a record that was deleted and decrements the higher record numbers.
 void index_remove(KOfflineField* field, std::int32_t record);
 
-/// The entries are about to change: drops what was made for them as they were.
+/// Drops what is derived from the entries, which are about to change.
 void index_entries_change(IndexHead* head);
 
 void index_free(KOfflineField* field);
 
-/// The entries that equal a key, in index order.
-struct IndexMatches {
-    const std::int32_t* first;
-    std::int32_t count;
-};
-
-/// Looks a key up in a current index; the result may point to `single`.
-IndexMatches index_find(const KOfflineTable* table, std::int32_t field, const char* key, std::int32_t* single);
-
-/// The position of the first of `count` sorted entries that is not below the key, or, for `above`, is above it.
-std::int32_t index_bound(const IndexContext& context, const std::int32_t* index, std::int32_t count, const char* key,
-                         bool above);
-
-/// Takes the records that an exact index without ties does not hold yet in at their places. The array has room for
-/// them. False, with nothing changed, when one would tie, when sorting anew is cheaper, or when memory runs out.
-bool index_insert_new(const KOfflineTable* table, std::int32_t field);
+}  // namespace vlt

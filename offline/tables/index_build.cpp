@@ -10,6 +10,8 @@
 #include "offline/tables/rank_sort.h"
 #include "offline/tables/sort.h"
 
+namespace vlt {
+
 namespace {
 
 constexpr std::int32_t kFastFrom = 32;  // fewer records are not worth three arrays
@@ -44,7 +46,7 @@ void rank_records(const KeyEntry* entries, std::size_t count, RankedItem* items,
 /// entries are, and more than large enough for the items.
 bool order_ties(const KeyEntry* entries, KeyEntry* scratch, std::size_t count, std::size_t distinct,
                 std::int32_t* order) {
-    static_assert(sizeof(KeyEntry) >= sizeof(RankedItem) && alignof(KeyEntry) >= alignof(RankedItem));
+    static_assert(sizeof(KeyEntry) >= sizeof(RankedItem) && alignof(KeyEntry) % alignof(RankedItem) == 0);
     auto before = HeapBlock<std::uint32_t>::of(distinct + 1);
     if (!before) return false;
     auto* items = reinterpret_cast<RankedItem*>(scratch);
@@ -70,6 +72,12 @@ std::size_t order_fast(const IndexContext& context, std::int32_t* order, std::si
 
 }  // namespace
 
+int KOfflineTable_CompareRecs(const void* left, const void* right, void* context) {
+    const auto* own = static_cast<const IndexContext*>(context);
+    return compare_fold(own->value(*static_cast<const std::int32_t*>(left)),
+                        own->value(*static_cast<const std::int32_t*>(right)));
+}
+
 void index_order_plain(const IndexContext& context, std::int32_t* order, std::int32_t count) {
     std::iota(order, order + count, 0);
     IndexContext own = context;
@@ -85,3 +93,5 @@ std::int32_t index_order(const IndexContext& context, std::int32_t* order, std::
     index_order_plain(context, order, count);
     return count_distinct(context, order, count);
 }
+
+}  // namespace vlt

@@ -6,6 +6,11 @@
 
 #include "offline/tables/index.h"
 
+namespace vlt {
+
+/// Comparator for KArray_Sort, over two entries of an index, with an IndexContext.
+int KOfflineTable_CompareRecs(const void* left, const void* right, void* context);
+
 /// Fills `order` with the records 0 to `count` - 1 as KArray_Sort leaves them from ascending record numbers. Returns
 /// how many different values there are. Without memory for the fast way it sorts in place, and the result is the
 /// same.
@@ -13,3 +18,5 @@ std::int32_t index_order(const IndexContext& context, std::int32_t* order, std::
 
 /// The same by the definition: every comparison made, no memory used.
 void index_order_plain(const IndexContext& context, std::int32_t* order, std::int32_t count);
+
+}  // namespace vlt

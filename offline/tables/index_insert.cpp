@@ -1,16 +1,21 @@
 // SPDX-License-Identifier: MIT
+#include "offline/tables/index_insert.h"
+
 #include <algorithm>
 #include <cstring>
 #include <iterator>
 
 #include "base/ascii_case.h"
 #include "base/heap.h"
-#include "offline/tables/index.h"
+#include "offline/tables/index_search.h"
+#include "offline/tables/plain_truth.h"
+
+namespace vlt {
 
 namespace {
 
 // A new record costs two dozen comparisons, scattered over the table; beyond this many, sorting all is cheaper.
-constexpr std::int32_t kMostNew(std::int32_t held) {
+constexpr std::int32_t most_new(std::int32_t held) {
     return 64 + held / 16;
 }
 
@@ -20,7 +25,8 @@ struct NewEntry {
     std::int32_t place;
 };
 
-/// Fills in and sorts the new entries; false when two values tie.
+/// Fills in and sorts the new entries; false when two values tie, or when the index is not in order because a caller
+/// has written into it.
 bool place_entries(const IndexContext& context, const std::int32_t* index, std::int32_t held, NewEntry* entries,
                    std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) entries[i].record = held + static_cast<std::int32_t>(i);
@@ -32,6 +38,7 @@ bool place_entries(const IndexContext& context, const std::int32_t* index, std::
         const std::int32_t place = index_bound(context, index, held, value, false);
         if (place < held && equals_fold(context.value(index[place]), value)) return false;
         if (i && equals_fold(context.value(entries[i - 1].record), value)) return false;
+        if (i && place < entries[i - 1].place) return false;
         entries[i].place = place;
     }
     return true;
@@ -54,7 +61,7 @@ bool index_insert_new(const KOfflineTable* table, std::int32_t field) {
     std::int32_t* index = table->fields[field].index;
     IndexHead* head = Index::head(index);
     const std::int32_t added = table->record_count - head->held;
-    if (head->has_ties || added < 1 || added > kMostNew(head->held)) return false;
+    if (head->has_ties || added < 1 || added > most_new(head->held)) return false;
     NewEntry few[8];
     HeapBlock<NewEntry> many;
     const auto count = static_cast<std::size_t>(added);
@@ -65,5 +72,8 @@ bool index_insert_new(const KOfflineTable* table, std::int32_t field) {
     merge(index, head->held, entries, count);
     head->held += added;
     head->distinct = head->held;
+    note_entries(index);
     return true;
 }
+
+}  // namespace vlt

@@ -9,10 +9,11 @@
 #include "base/ascii_case.h"
 #include "offline/tables/folded_key.h"
 
+namespace vlt {
+
 namespace {
 
 constexpr std::size_t kRadixFrom = 512;  // fewer entries are sorted by comparing keys
-constexpr std::size_t kDeepest = 256;    // texts alike for so many bytes more are compared as texts
 constexpr int kKeyBytes = 8;
 
 using Counts = std::array<std::array<std::uint32_t, 256>, kKeyBytes>;
@@ -70,63 +71,79 @@ std::size_t common_prefix(const IndexContext& context, std::size_t count) {
 
 class KeySorter {
 public:
-    KeySorter(const IndexContext& context, KeyEntry* entries, KeyEntry* scratch, std::size_t depth)
-        : context_(context), entries_(entries), scratch_(scratch), deepest_(depth + kDeepest) {}
+    KeySorter(const IndexContext& context, KeyEntry* entries, KeyEntry* scratch)
+        : context_(context), entries_(entries), scratch_(scratch) {}
 
-    /// Sorts entries whose values are alike before the byte `depth`, where the keys begin.
+    /// Sorts entries whose values are alike before the byte `depth`. Looks at each byte of a value once, however long
+    /// the values are alike, and calls itself for no more than half of its entries.
     void sort(std::size_t begin, std::size_t end, std::size_t depth) {
-        if (end - begin < kRadixFrom) {
-            std::sort(entries_ + begin, entries_ + end, key_less);
-        } else if (!std::is_sorted(entries_ + begin, entries_ + end, key_less)) {
-            radix_sort(entries_ + begin, scratch_ + begin, end - begin);
-        }
-        for (std::size_t run = begin; run < end;) {
-            const std::uint64_t key = entries_[run].key;
-            std::size_t run_end = run + 1;
-            while (run_end < end && entries_[run_end].key == key) ++run_end;
-            if (run_end - run > 1) sort_run(run, run_end, depth, key);
-            run = run_end;
+        while (end - begin > 1) {
+            load_keys(begin, end, depth);
+            order(begin, end);
+            depth += kKeyBytes;
+            const Run largest = sort_runs(begin, end, depth);
+            begin = largest.begin;
+            end = largest.end;
         }
     }
 
 private:
-    /// Settles entries with equal keys.
-    void sort_run(std::size_t begin, std::size_t end, std::size_t depth, std::uint64_t key) {
-        if (!key_goes_on(key)) {
-            for (std::size_t i = begin + 1; i < end; ++i) entries_[i].is_repeated = 1;
-        } else if (depth >= deepest_) {
-            sort_by_text(begin, end, depth);
+    /// Entries with equal keys.
+    struct Run {
+        std::size_t begin;
+        std::size_t end;
+
+        std::size_t size() const { return end - begin; }
+    };
+
+    void load_keys(std::size_t begin, std::size_t end, std::size_t depth) {
+        for (std::size_t i = begin; i < end; ++i) {
+            entries_[i].key = folded_key(context_.value(entries_[i].record) + depth);
+        }
+    }
+
+    void order(std::size_t begin, std::size_t end) {
+        if (std::is_sorted(entries_ + begin, entries_ + end, key_less)) return;
+        if (end - begin < kRadixFrom) {
+            std::sort(entries_ + begin, entries_ + end, key_less);
         } else {
-            for (std::size_t i = begin; i < end; ++i)
-                entries_[i].key = folded_key(rest(entries_[i], depth + kKeyBytes));
-            sort(begin, end, depth + kKeyBytes);
+            radix_sort(entries_ + begin, scratch_ + begin, end - begin);
         }
     }
 
-    void sort_by_text(std::size_t begin, std::size_t end, std::size_t depth) {
-        std::sort(entries_ + begin, entries_ + end, [&](const KeyEntry& a, const KeyEntry& b) {
-            return compare_fold(rest(a, depth), rest(b, depth)) < 0;
-        });
-        for (std::size_t i = begin + 1; i < end; ++i) {
-            entries_[i].is_repeated = equals_fold(rest(entries_[i - 1], depth), rest(entries_[i], depth));
+    /// Sorts all runs of sorted entries by what follows, but the largest, which is left to the caller.
+    Run sort_runs(std::size_t begin, std::size_t end, std::size_t depth) {
+        Run largest{begin, begin};
+        for (Run run{begin, begin}; run.begin < end; run.begin = run.end) {
+            run.end = run_end(run.begin, end);
+            if (run.size() == 1) continue;
+            if (!key_goes_on(entries_[run.begin].key)) {
+                for (std::size_t i = run.begin + 1; i < run.end; ++i) entries_[i].is_repeated = 1;
+                continue;
+            }
+            Run smaller = run;
+            if (run.size() > largest.size()) std::swap(smaller, largest);
+            sort(smaller.begin, smaller.end, depth);
         }
+        return largest;
     }
 
-    const char* rest(const KeyEntry& entry, std::size_t depth) const { return context_.value(entry.record) + depth; }
+    std::size_t run_end(std::size_t begin, std::size_t end) const {
+        const std::uint64_t key = entries_[begin].key;
+        while (begin < end && entries_[begin].key == key) ++begin;
+        return begin;
+    }
 
     const IndexContext& context_;
     KeyEntry* entries_;
     KeyEntry* scratch_;
-    std::size_t deepest_;
 };
 
 }  // namespace
 
 void key_sort(const IndexContext& context, KeyEntry* entries, KeyEntry* scratch, std::size_t count) {
-    const std::size_t depth = common_prefix(context, count);
-    for (std::size_t i = 0; i < count; ++i) {
-        const auto record = static_cast<std::int32_t>(i);
-        entries[i] = {folded_key(context.value(record) + depth), record, 0};
-    }
-    KeySorter(context, entries, scratch, depth).sort(0, count, depth);
+    for (std::size_t i = 0; i < count; ++i) entries[i] = {0, static_cast<std::int32_t>(i), 0};
+    KeySorter(context, entries, scratch).sort(0, count, common_prefix(context, count));
 }
+
+}  // namespace vlt

@@ -8,6 +8,18 @@
 #include <cstdint>
 
 #include "include/offline.h"
+#include "offline/db/error_state.h"
+
+namespace vlt {
+
+/// A NID as the text of a value.
+struct NidText {
+    explicit NidText(std::int32_t nid);
+    char text[12];
+};
+
+/// What a NID value says, -1 for anything but an integer; null is no value.
+std::int32_t nid_from_text(const char* value);
 
 /// The field that holds the NID, -1 when the table has none.
 std::int32_t nid_field(const KOfflineTable* table);
@@ -17,9 +29,7 @@ std::int32_t nid_field(const KOfflineTable* table);
 std::int32_t KOfflineTable_NextNIDBase(KOfflineTable* table);
 
 /// Gives a record that is not yet part of the table an automatic NID, only where it has none unless `force` is set.
-/// Returns the failure or KOFFLINE_ERR_NONE; after a failure nothing has changed.
-std::int32_t KOfflineTable_AssignNID(KOfflineTable* table, std::int32_t nid_field, KOfflineRecord** record,
-                                     bool force);
+/// After a failure nothing has changed.
+Failure KOfflineTable_AssignNID(KOfflineTable* table, std::int32_t nid_field, KOfflineRecord** record, bool force);
 
-/// What a NID value says, -1 for anything but an integer.
-std::int32_t nid_from_text(const char* value);
+}  // namespace vlt

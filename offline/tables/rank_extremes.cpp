@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <bit>
 
+namespace vlt {
+
 namespace {
 
 constexpr std::size_t kNone = static_cast<std::size_t>(-1);
@@ -103,3 +105,5 @@ std::size_t RankExtremes::last_block_below(std::size_t block, std::uint32_t rank
     while (node < leaves_) node = lowest_[2 * node + 1] < rank ? 2 * node + 1 : 2 * node;
     return node - leaves_;
 }
+
+}  // namespace vlt

@@ -9,6 +9,8 @@
 #include "base/heap.h"
 #include "offline/tables/rank_sort.h"
 
+namespace vlt {
+
 class RankExtremes {
 public:
     /// Items of a block. Blocks on the edge of a stretch are walked over.
@@ -39,3 +41,5 @@ private:
     HeapBlock<std::uint32_t> lowest_;
     HeapBlock<std::uint32_t> highest_;
 };
+
+}  // namespace vlt

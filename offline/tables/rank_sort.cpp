@@ -6,6 +6,8 @@
 #include "offline/tables/rank_extremes.h"
 #include "offline/tables/sort.h"
 
+namespace vlt {
+
 namespace {
 
 /// Items `lo` to `hi` - 1 and the ranks among them: how many there are of the lowest and of the highest rank; of
@@ -25,7 +27,7 @@ struct Part {
 // little is what makes a quicksort quadratic.
 constexpr std::size_t kLopsided = 128;
 
-// Items walked over for little, as a multiple of all, before the sort takes care not to.
+// Items walked over in lopsided partitions, as a multiple of all, before the sort changes to leaps.
 constexpr std::size_t kPatience = 12;
 
 class RankSorter {
@@ -189,3 +191,5 @@ void rank_sort(RankedItem* items, std::size_t count, const std::uint32_t* before
     const Part all{0, count, 0, ranks - 1, before[1], count - before[ranks - 1]};
     RankSorter(items, count, before).sort(all);
 }
+
+}  // namespace vlt

@@ -13,6 +13,8 @@
 #include <cstddef>
 #include <cstdint>
 
+namespace vlt {
+
 using RankedItem = std::uint64_t;
 
 constexpr RankedItem ranked_item(std::uint32_t rank, std::uint32_t payload) {
@@ -25,3 +27,5 @@ constexpr std::uint32_t rank_of(RankedItem item) {
 
 /// Sorts by rank. `before[r]` is the number of items with a rank below r, for r from 0 to the number of ranks.
 void rank_sort(RankedItem* items, std::size_t count, const std::uint32_t* before, std::uint32_t ranks);
+
+}  // namespace vlt

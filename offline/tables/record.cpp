@@ -9,6 +9,8 @@
 #include "offline/tables/text.h"
 #include "platform/multibyte.h"
 
+namespace vlt {
+
 namespace {
 
 std::size_t offsets_size(std::int32_t field_count) {
@@ -55,7 +57,7 @@ char* find_piece_end(char* at, char* end, const LineFormat& format, bool* has_es
 }
 
 /// Trims and decodes the piece between two places; returns where its text ends.
-char* settle_piece(char* begin, char* end, bool has_escape, const LineFormat& format) {
+char* trim_and_decode(char* begin, char* end, bool has_escape, const LineFormat& format) {
     char* from = begin;
     while (from < end && is_blank(*from)) ++from;
     while (end > from && is_blank(end[-1])) --end;
@@ -82,7 +84,7 @@ std::ptrdiff_t split_values(KOfflineRecord* record, std::int32_t field_count, st
         bool has_escape;
         char* piece_end = find_piece_end(at, end, format, &has_escape);
         const bool is_last = piece_end == end;
-        used_end = settle_piece(at, piece_end, has_escape, format) + 1;
+        used_end = trim_and_decode(at, piece_end, has_escape, format) + 1;
         if (is_last) break;
         at = piece_end + format.separator_length;
     }
@@ -136,43 +138,54 @@ LineFormat::LineFormat(const char* separator_text)
       ascii_is_whole(multibyte_ascii_is_whole()),
       bytewise(ascii_is_whole && static_cast<unsigned char>(*separator) < 0x80) {}
 
-std::int32_t record_from_line(const char* line, std::size_t length, std::int32_t field_count,
-                              const LineFormat& format, RecordArena* arena, KOfflineRecord** record) {
+Failure record_from_line(const char* line, std::size_t length, std::int32_t field_count, const LineFormat& format,
+                         RecordArena* arena, NewRecord* made) {
     const std::size_t size = offsets_size(field_count) + length + 1;
-    KOfflineRecord* made = arena ? arena->carve(size) : allocate(size);
-    if (!made) return KOFFLINE_ERR_MEMORY;
-    std::memset(record_offsets(made), 0, offsets_size(field_count));
-    char* text = text_of(made, field_count);
+    KOfflineRecord* record = arena ? arena->reserve(size) : allocate(size);
+    if (!record) return Failure::memory;
+    std::memset(record_offsets(record), 0, offsets_size(field_count));
+    char* text = text_of(record, field_count);
     std::memcpy(text, line, length);
     text[length] = 0;
-    const std::ptrdiff_t used = split_values(made, field_count, length, format);
+    const std::ptrdiff_t used = split_values(record, field_count, length, format);
     if (used < 0) {
-        record_free(made);
-        return KOFFLINE_ERR_RECORD;
+        record_free(record);
+        return Failure::record;
     }
-    if (arena) arena->keep(offsets_size(field_count) + static_cast<std::size_t>(used));
-    *record = made;
-    return KOFFLINE_ERR_NONE;
+    *made = {record, offsets_size(field_count) + static_cast<std::size_t>(used)};
+    return Failure::none;
 }
 
-std::int32_t record_set_value(KOfflineRecord** record, std::int32_t field_count, std::int32_t field,
-                              const char* value) {
+bool record_commit(NewRecord* made, std::int32_t field_count, RecordArena* arena) {
+    if (!RecordArena::holds(made->record)) {
+        const std::size_t size = used_size(made->record, field_count);
+        KOfflineRecord* moved = arena->reserve(size);
+        if (!moved) return false;
+        std::memcpy(record_offsets(moved), record_offsets(made->record), size);
+        record_free(made->record);
+        *made = {moved, size};
+    }
+    arena->commit(made->size);
+    return true;
+}
+
+Failure record_set_value(KOfflineRecord** record, std::int32_t field_count, std::int32_t field, const char* value) {
     const std::size_t length = std::strlen(value);
     const char* old = record_value(*record, field_count, field);
-    if (!old && length == 0) return KOFFLINE_ERR_NONE;
+    if (!old && length == 0) return Failure::none;
     if (old && std::strlen(old) >= length) {
         std::memmove(const_cast<char*>(old), value, length + 1);
-        return KOFFLINE_ERR_NONE;
+        return Failure::none;
     }
     const Values values{*record, field_count, field, value};
     std::size_t text_size;
-    if (!packed_size(values, &text_size)) return KOFFLINE_ERR_RECORD;
+    if (!packed_size(values, &text_size)) return Failure::record;
     KOfflineRecord* made = allocate(offsets_size(field_count) + text_size);
-    if (!made) return KOFFLINE_ERR_MEMORY;
+    if (!made) return Failure::memory;
     pack(values, made);
     record_free(*record);
     *record = made;
-    return KOFFLINE_ERR_NONE;
+    return Failure::none;
 }
 
 KOfflineRecord* record_copy(const KOfflineRecord* record, std::int32_t field_count) {
@@ -188,15 +201,22 @@ KOfflineRecord* record_widen(const KOfflineRecord* record, std::int32_t field_co
     const std::size_t text_size = used_size(record, field_count) - old_offsets;
     const std::size_t new_offsets = offsets_size(field_count + added);
     const std::size_t size = new_offsets + text_size;
-    KOfflineRecord* made = arena->carve(size);
+    KOfflineRecord* made = arena->reserve(size);
     if (!made) return nullptr;
-    arena->keep(size);
+    arena->commit(size);
     std::memcpy(record_offsets(made), record_offsets(record), old_offsets);
     std::memset(record_offsets(made) + field_count, 0, new_offsets - old_offsets);
     std::memcpy(record_offsets(made) + field_count + added, record_offsets(record) + field_count, text_size);
     return made;
 }
 
+void record_narrow(KOfflineRecord* record, std::int32_t old_count, std::int32_t field_count) {
+    const std::size_t text_size = used_size(record, old_count) - offsets_size(old_count);
+    std::memmove(text_of(record, field_count), text_of(record, old_count), text_size);
+}
+
 void record_free(KOfflineRecord* record) {
     if (!RecordArena::holds(record)) heap_free(record);
 }
+
+}  // namespace vlt

@@ -12,6 +12,9 @@
 #include <cstdint>
 
 #include "include/offline.h"
+#include "offline/db/error_state.h"
+
+namespace vlt {
 
 class RecordArena;
 
@@ -55,15 +58,24 @@ struct LineFormat {
     bool bytewise;                 ///< the separator can be looked for byte by byte
 };
 
-/// Makes a record of a line, in the arena or, without one, in a block of its own. Returns the failure, or
-/// KOFFLINE_ERR_NONE with the record stored.
-std::int32_t record_from_line(const char* line, std::size_t length, std::int32_t field_count,
-                              const LineFormat& format, RecordArena* arena, KOfflineRecord** record);
+/// A record that is not yet part of a table; what it takes of an arena is reserved only.
+struct NewRecord {
+    KOfflineRecord* record;
+    std::size_t size;
+};
+
+/// Makes a record of a line, in the arena or, without one, in a block of its own. The record is stored unless it
+/// fails.
+Failure record_from_line(const char* line, std::size_t length, std::int32_t field_count, const LineFormat& format,
+                         RecordArena* arena, NewRecord* made);
+
+/// Commits a record to the arena, into which it moves if it has got a block of its own meanwhile. False when memory
+/// runs out.
+bool record_commit(NewRecord* made, std::int32_t field_count, RecordArena* arena);
 
 /// Sets a value: in place where it fits into the old one, else by a new block of its own, and `*record` changes.
-/// Returns the failure, or KOFFLINE_ERR_NONE; after a failure nothing has changed.
-std::int32_t record_set_value(KOfflineRecord** record, std::int32_t field_count, std::int32_t field,
-                              const char* value);
+/// After a failure nothing has changed.
+Failure record_set_value(KOfflineRecord** record, std::int32_t field_count, std::int32_t field, const char* value);
 
 /// A copy in a block of its own, null when memory runs out.
 KOfflineRecord* record_copy(const KOfflineRecord* record, std::int32_t field_count);
@@ -72,5 +84,10 @@ KOfflineRecord* record_copy(const KOfflineRecord* record, std::int32_t field_cou
 KOfflineRecord* record_widen(const KOfflineRecord* record, std::int32_t field_count, std::int32_t added,
                              RecordArena* arena);
 
+/// Takes the fields from `field_count` on out of a record that has `old_count`.
+void record_narrow(KOfflineRecord* record, std::int32_t old_count, std::int32_t field_count);
+
 /// Gives a block of its own back; what lies in an arena goes with the arena.
 void record_free(KOfflineRecord* record);
+
+}  // namespace vlt

@@ -6,6 +6,8 @@
 #include "base/heap.h"
 #include "offline/tables/record.h"
 
+namespace vlt {
+
 namespace {
 
 // Small tables take small chunks; each further chunk is twice as large up to the limit.
@@ -20,12 +22,12 @@ char* align(char* at) {
 
 }  // namespace
 
-KOfflineRecord* RecordArena::carve(std::size_t most) {
+KOfflineRecord* RecordArena::reserve(std::size_t most) {
     if (static_cast<std::size_t>(end_ - free_) < most && !add_chunk(most)) return nullptr;
     return reinterpret_cast<KOfflineRecord*>(free_);
 }
 
-void RecordArena::keep(std::size_t used) {
+void RecordArena::commit(std::size_t used) {
     free_ = align(free_ + std::max<std::size_t>(used, 1));
     if (free_ > end_) free_ = end_ = nullptr;
 }
@@ -62,3 +64,5 @@ void RecordArena::free_chunks(RecordChunk* list) {
         list = next;
     }
 }
+
+}  // namespace vlt

@@ -11,6 +11,8 @@
 
 #include "include/offline.h"
 
+namespace vlt {
+
 struct RecordChunk {
     RecordChunk* next;
 };
@@ -22,12 +24,12 @@ public:
     RecordArena& operator=(const RecordArena&) = delete;
     ~RecordArena() { free_chunks(chunks_); }
 
-    /// Room for a record of up to `most` bytes, null when memory runs out. The next call takes the same room again
-    /// unless it is kept.
-    KOfflineRecord* carve(std::size_t most);
+    /// Reserves room for a record of up to `most` bytes; null when memory runs out. Unless it is committed the next
+    /// call reserves the same room again.
+    KOfflineRecord* reserve(std::size_t most);
 
-    /// Keeps the first `used` bytes of the room carved last.
-    void keep(std::size_t used);
+    /// Commits the first `used` bytes of the room that was reserved last.
+    void commit(std::size_t used);
 
     /// Hands the chunks over: they go in front of the list.
     void release_to(RecordChunk** list);
@@ -44,3 +46,5 @@ private:
     char* end_ = nullptr;
     std::size_t chunk_size_ = 0;
 };
+
+}  // namespace vlt

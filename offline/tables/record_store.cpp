@@ -6,18 +6,12 @@
 #include <limits>
 
 #include "base/heap.h"
-#include "offline/tables/headed.h"
 #include "offline/tables/record.h"
 #include "offline/tables/record_arena.h"
 
+namespace vlt {
+
 namespace {
-
-struct RecordsHead {
-    RecordChunk* chunks;  ///< what the records of data files are carved out of
-    std::size_t slots;    ///< pointers the array really has room for
-};
-
-using Records = Headed<RecordsHead, KOfflineRecord*>;
 
 std::size_t as_size(std::int32_t count) {
     return static_cast<std::size_t>(std::max(count, 0));
@@ -41,8 +35,12 @@ bool grow(KOfflineTable* table) {
     const std::int32_t capacity = table->record_count + KOFFLINE_RECORD_STEP;
     if (!reserve_slots(table, as_size(capacity))) return false;
     std::fill(table->records + table->record_count, table->records + capacity, nullptr);
-    table->record_capacity = capacity;
+    table->record_capacity = Records::head(table->records)->capacity = capacity;
     return true;
+}
+
+void set_count(KOfflineTable* table, std::int32_t count) {
+    table->record_count = Records::head(table->records)->count = count;
 }
 
 void free_blocks(KOfflineTable* table) {
@@ -54,11 +52,11 @@ void free_blocks(KOfflineTable* table) {
 }  // namespace
 
 bool store_append(KOfflineTable* table, KOfflineRecord* record) {
-    table->record_count = std::max(table->record_count, 0);
     if (!table->records || table->record_count >= table->record_capacity) {
         if (!grow(table)) return false;
     }
-    table->records[table->record_count++] = record;
+    table->records[table->record_count] = record;
+    set_count(table, table->record_count + 1);
     return true;
 }
 
@@ -66,7 +64,8 @@ void store_remove(KOfflineTable* table, std::int32_t record) {
     KOfflineRecord** at = table->records + record;
     record_free(*at);
     std::memmove(at, at + 1, as_size(table->record_count - record - 1) * sizeof *at);
-    table->records[--table->record_count] = nullptr;
+    set_count(table, table->record_count - 1);
+    table->records[table->record_count] = nullptr;
 }
 
 void store_adopt(KOfflineTable* table, RecordArena* arena) {
@@ -89,6 +88,18 @@ bool store_widen(KOfflineTable* table, std::int32_t old_count, std::int32_t adde
     return true;
 }
 
+void store_truncate(KOfflineTable* table, std::int32_t count) {
+    for (std::int32_t i = count; i < Records::head(table->records)->count; ++i) {
+        record_free(table->records[i]);
+        table->records[i] = nullptr;
+    }
+    set_count(table, count);
+}
+
+void store_narrow(KOfflineTable* table, std::int32_t old_count, std::int32_t field_count) {
+    for (std::int32_t i = 0; i < table->record_count; ++i) record_narrow(table->records[i], old_count, field_count);
+}
+
 void store_clear(KOfflineTable* table) {
     if (table->records) free_blocks(table);
     Records::free(table->records);
@@ -96,3 +107,5 @@ void store_clear(KOfflineTable* table) {
     table->record_count = 0;
     table->record_capacity = 0;
 }
+
+}  // namespace vlt

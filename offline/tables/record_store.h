@@ -9,8 +9,21 @@
 #include <cstdint>
 
 #include "include/offline.h"
+#include "offline/tables/headed.h"
+
+namespace vlt {
 
 class RecordArena;
+struct RecordChunk;
+
+struct RecordsHead {
+    RecordChunk* chunks;    ///< what the records of data files are carved out of
+    std::size_t slots;      ///< pointers the array really has room for
+    std::int32_t count;     ///< records there are, whatever a caller writes into `record_count`
+    std::int32_t capacity;  ///< `record_capacity` likewise
+};
+
+using Records = Headed<RecordsHead, KOfflineRecord*>;
 
 inline constexpr std::int32_t KOFFLINE_RECORD_STEP = 512;
 
@@ -31,5 +44,13 @@ void store_adopt(KOfflineTable* table, RecordArena* arena);
 /// memory runs out, and nothing has changed.
 bool store_widen(KOfflineTable* table, std::int32_t old_count, std::int32_t added);
 
+/// Gives the records from `count` on back.
+void store_truncate(KOfflineTable* table, std::int32_t count);
+
+/// Takes the fields from `field_count` on out of every record, which has `old_count` fields now.
+void store_narrow(KOfflineTable* table, std::int32_t old_count, std::int32_t field_count);
+
 /// Gives every record and the array back.
 void store_clear(KOfflineTable* table);
+
+}  // namespace vlt

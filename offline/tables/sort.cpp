@@ -4,9 +4,11 @@
 #include <algorithm>
 #include <cstddef>
 
+namespace vlt {
+
 namespace {
 
-void exchange_bytes(void* left, void* right, int32_t width, void*) {
+void exchange_bytes(void* left, void* right, std::int32_t width, void*) {
     char* a = static_cast<char*>(left);
     std::swap_ranges(a, a + width, static_cast<char*>(right));
 }
@@ -19,7 +21,7 @@ struct Part {
 
 class Sorter {
 public:
-    Sorter(int32_t width, KArrayCompare compare, KArrayExchange exchange, void* context)
+    Sorter(std::int32_t width, KArrayCompare compare, KArrayExchange exchange, void* context)
         : width_(width), compare_(compare), exchange_(exchange ? exchange : exchange_bytes), context_(context) {}
 
     void sort(Part part) {
@@ -79,7 +81,7 @@ private:
         return several(near);
     }
 
-    int32_t width_;
+    std::int32_t width_;
     KArrayCompare compare_;
     KArrayExchange exchange_;
     void* context_;
@@ -89,21 +91,22 @@ private:
 
 }  // namespace
 
-void KArray_Sort(void* base, int32_t count, int32_t width, KArrayCompare compare, KArrayExchange exchange,
+void KArray_Sort(void* base, std::int32_t count, std::int32_t width, KArrayCompare compare, KArrayExchange exchange,
                  void* context) {
     if (count < 2 || width < 1) return;
     char* const first = static_cast<char*>(base);
     Sorter(width, compare, exchange, context).sort({first, first + std::ptrdiff_t{width} * (count - 1)});
 }
 
-void* KArray_Search(const void* key, void* base, int32_t count, int32_t width, KArrayCompare compare, void* context) {
+void* KArray_Search(const void* key, void* base, std::int32_t count, std::int32_t width, KArrayCompare compare,
+                    void* context) {
     if (count < 1 || width < 1) return nullptr;
     char* lo = static_cast<char*>(base);
     char* hi = lo + std::ptrdiff_t{width} * (count - 1);
     while (lo <= hi) {
-        const int32_t half = count / 2;
+        const std::int32_t half = count / 2;
         if (half == 0) return count == 1 && compare(key, lo, context) == 0 ? lo : nullptr;
-        const int32_t before = count % 2 ? half : half - 1;
+        const std::int32_t before = count % 2 ? half : half - 1;
         char* probe = lo + std::ptrdiff_t{width} * before;
         const int order = compare(key, probe, context);
         if (order == 0) return probe;
@@ -118,8 +121,8 @@ void* KArray_Search(const void* key, void* base, int32_t count, int32_t width, K
     return nullptr;
 }
 
-int32_t KArray_SearchRange(const void* key, void* base, int32_t count, int32_t width, void** first, void** last,
-                           KArrayCompare compare, void* context) {
+std::int32_t KArray_SearchRange(const void* key, void* base, std::int32_t count, std::int32_t width, void** first,
+                                void** last, KArrayCompare compare, void* context) {
     char* low = static_cast<char*>(KArray_Search(key, base, count, width, compare, context));
     char* high = low;
     if (low) {
@@ -132,3 +135,5 @@ int32_t KArray_SearchRange(const void* key, void* base, int32_t count, int32_t w
     *last = high;
     return low != nullptr;
 }
+
+}  // namespace vlt

@@ -6,6 +6,8 @@
 
 #include "platform/multibyte.h"
 
+namespace vlt {
+
 namespace {
 
 constexpr char kBlanks[] = " \t";
@@ -56,11 +58,11 @@ char* KText_Trim(char* text, const char* leading, const char* trailing) {
     return text;
 }
 
-int32_t KText_IsNumber(const char* text) {
+std::int32_t KText_IsNumber(const char* text) {
     if (!text) return 0;
     while (*text == '-' || *text == '+' || *text == ' ') ++text;
     if (*text == 0) return 0;
-    int32_t kind = 1;
+    std::int32_t kind = 1;
     for (; *text; ++text) {
         if (*text == '.') {
             kind = 2;
@@ -79,18 +81,29 @@ char* KText_SplitComma(char* text, char** rest) {
     return KText_Trim(text, kBlanks, kBlanks);
 }
 
-int32_t text_to_int(const char* text) {
+std::int32_t text_to_int(const char* text) {
     while (*text == ' ') ++text;
     const bool negative = *text == '-';
     if (*text == '-' || *text == '+') ++text;
-    constexpr int64_t limit = int64_t{std::numeric_limits<int32_t>::max()} + 1;
-    int64_t value = 0;
+    constexpr std::int64_t limit = std::int64_t{std::numeric_limits<std::int32_t>::max()} + 1;
+    std::int64_t value = 0;
     for (; is_digit(*text) && value < limit; ++text) value = value * 10 + (*text - '0');
-    if (value >= limit) return negative ? std::numeric_limits<int32_t>::min() : std::numeric_limits<int32_t>::max();
-    return static_cast<int32_t>(negative ? -value : value);
+    if (value >= limit)
+        return negative ? std::numeric_limits<std::int32_t>::min() : std::numeric_limits<std::int32_t>::max();
+    return static_cast<std::int32_t>(negative ? -value : value);
+}
+
+bool text_copy_cut(char* to, std::size_t size, const char* from) {
+    const std::size_t length = ::strnlen(from, size);
+    const std::size_t kept = length < size ? length : size - 1;
+    std::memmove(to, from, kept);
+    to[kept] = 0;
+    return kept == length;
 }
 
 const char* text_name_key(const char* name) {
     const char* point = KText_FindChar(name, '.');
     return point ? point + 1 : name;
 }
+
+}  // namespace vlt
