@@ -19,7 +19,8 @@
  *            of a code set none.
  * Storage.   The caller provides KOfflineDb and KOfflineTable records; the library owns what they point to and gives
  *            it back in the destructor. Fields of the records may be read, and are changed by functions only.
- *            Tables of a database are constructed and destroyed with it.
+ *            Tables of a database are constructed and destroyed with it. Fields have their natural alignment; their
+ *            sizes and offsets, for callers in other languages, stand in docs/windows.md.
  * Numbers.   Records and fields of a table are numbered from 0 in their order. Deleting a record renumbers those
  *            after it.
  * Values.    Every value is text. A record has a value for a field, possibly an empty one, or has none. Pointers to
@@ -31,7 +32,11 @@
  * Text.      Zero-terminated, in the process's multibyte character set: the current code page of the runtime library
  *            on Windows, the C locale elsewhere. Arguments that are too long for their place are cut or refused.
  * Paths.     As in vlt.h: '/' or '\' on every system. Blanks and tabs around the path of a database are ignored.
- * Files.     Up to 2 GiB - 1 bytes each.
+ * Files.     Data files and schema: up to 2 GiB - 1 bytes each; attached files may be longer. The schema's lines
+ *            end with CR LF; with LF or CR alone the whole schema is one line, and the load fails with
+ *            KOFFLINE_ERR_TABLE and, as a rule, "BITM". Data files are not CSV: quotes are letters like others,
+ *            "//" begins a comment, and a byte order mark belongs to the first value. A save writes what the
+ *            database holds: comments, and schema lines that the load skipped, are gone then.
  * Threads.   A database and its tables serve one thread at a time; even a search may rebuild an index. Different
  *            databases may be used side by side.
  */
@@ -272,6 +277,9 @@ VLT_API int32_t VLT_CALL KOfflineDb_StrSwap(const char* src, char* dst, int32_t 
  *   path  a package file, which is opened for reading and writing and stays open, or a directory
  * Returns 1; 0 with the reason in error_code, which stays KOFFLINE_ERR_NONE for a package that cannot be opened.
  * What was loaded before the failure stays; the record is reset before it is loaded again.
+ * A load gives no credentials and needs a host file that it may write: a package with a read credential or in a
+ * read-only host file is not loaded, and one with a write credential only is loaded but not saved. Instead, open it
+ * with vlt_package_open, copy the seven files into a directory, load that, and copy them back after a save.
  */
 VLT_API int32_t VLT_CALL KOfflineDb_Load(KOfflineDb* db, const char* path);
 
@@ -284,8 +292,9 @@ VLT_API int32_t VLT_CALL KOfflineDb_Save(KOfflineDb* db);
 /*
  * Writes all seven files. A database that was loaded from a package is written into that package whatever the path;
  * any other into the directory `path`, which must exist.
- * Returns 1; 0 for no path or an empty one, when a file cannot be written (KOFFLINE_ERR_FILE) or the schema cannot
- * be composed (KOFFLINE_ERR_SCHEMA_WRITE). Files written before the failure keep their new contents.
+ * Returns 1; 0 for no path or an empty one, when a file cannot be opened or a data file not written
+ * (KOFFLINE_ERR_FILE), or when the schema cannot be composed (KOFFLINE_ERR_SCHEMA_WRITE). Files written before the
+ * failure keep their new contents.
  */
 VLT_API int32_t VLT_CALL KOfflineDb_SaveAs(KOfflineDb* db, const char* path);
 

@@ -11,12 +11,24 @@
  *            memory or disk space is an ordinary failure.
  * Handles.   A package handle is a positive number; a file handle is the package handle in its upper 16 bits and a
  *            slot number in its lower 16 bits. 0 is never a handle. A closed handle may come to name a later opening.
+ *            The opening functions return a file handle as int32_t, all others take it as uint32_t: cast the result,
+ *            `uint32_t file = (uint32_t)vlt_file_open(...)`, and compare it with 0 only, because the handle of a
+ *            file in package 32768 or above is negative before the cast.
  * Names.     A package stores either narrow names (zero-terminated multibyte text, at most VLT_NAME_MAX bytes) or
  *            wide names (UTF-16, at most VLT_NAME_MAX code units), fixed at creation. vlt_ functions that take a
  *            name serve packages with narrow names, vltw_ functions packages with wide names; each refuses the
  *            other kind. Names keep their letters and are compared without regard to the case of A to Z. Any text
  *            is a name, the empty one included; '/' and '\' have no meaning in one.
- * Paths.     Paths of host files may use '/' or '\' on every system.
+ * Paths.     Paths of host files may use '/' or '\' on every system. They are narrow text in the system's code page
+ *            (Windows) or whatever bytes the file system takes; there is no form with wide paths.
+ * Sharing.   One process at a time. Two processes that have one package open overwrite each other's changes without
+ *            notice; `exclusive` does not keep a second process out. In one process a path that is open already, in
+ *            any letter case, gives a further handle of the same package. Only that text is compared: two spellings
+ *            of one path ("a.vlt", "./a.vlt") are opened as two packages, which overwrite each other as two
+ *            processes do, and where a host tells letter case apart, "A.vlt" beside an open "a.vlt" is "a.vlt".
+ * Access.    Credentials are a convention between programs, not protection. Nothing is encrypted: whoever may read
+ *            the host file can read the stored files and the credentials. A handle with the read credential alone
+ *            opens no file for writing, but may delete files and set their times.
  * Times.     A time stamp is a double in local time: the date as the number YYYYMMDD, plus hhmmss / 1000000. 21 March
  *            2005 at 14:07:09 is 20050321.140709. 0.0 stands for no valid time.
  * Memory.    The library never hands out memory that the caller must free, vlt_alloc_mem apart.
@@ -91,7 +103,8 @@ enum {
 /* ---- Packages ------------------------------------------------------------------------------------------------ */
 
 /*
- * Creates a package in a host file of its own; an existing file of that name is overwritten.
+ * Creates a package in a host file of its own; an existing file of that name is overwritten. A package that is open,
+ * here or in another process, is ruined by that.
  *   path              the host file
  *   wide_names        0: narrow names; otherwise wide names
  *   size_mb           size in mebibytes, up to 1048575; 0 or less gives the smallest package, 8192 bytes.
@@ -112,7 +125,8 @@ VLT_API int32_t VLT_CALL vlt_package_create(const char* path, int32_t wide_names
  *   read_only_file    not 0: the host file is opened for reading only, and the handle is read-only
  *   offset_low, offset_high  the two halves of the offset in bytes; never negative
  *   read_only         1: this handle may not write; 0: it may, if the write credential matches
- *   exclusive         not 0: no further opening of this path while this one lasts (first openings only)
+ *   exclusive         not 0: no further opening of this path in this process while this one lasts (first openings
+ *                     only)
  *   read_credential, write_credential  compared with those of the package; null counts as empty. With only the read
  *                     credential right, the handle is read-only.
  *   wide_names_out    null, or receives 1 when the package stores wide names, else 0
@@ -157,7 +171,8 @@ VLT_API void VLT_CALL vlt_free_mem(void* pointer);
  *   truncate   not 0: the file is emptied; VLT_MODE_WRITE only
  *   error      null, or receives a VLT_FILE_ code: VLT_FILE_OK, or why the open failed
  * Returns a file handle, or 0. It is closed with vlt_file_close, or together with its package handle. A package
- * handle holds up to 65535 open files.
+ * handle holds up to 65535 open files. When a truncation fails (VLT_FILE_NO_SLOT), the file is empty for this
+ * session, and for good once its entry has been written: by any later change of the file that succeeds.
  */
 VLT_API int32_t VLT_CALL vlt_file_open(int32_t package, const char* name, uint32_t mode, int32_t exclusive,
                                        int32_t truncate, uint32_t* error);
@@ -168,9 +183,10 @@ VLT_API int32_t VLT_CALL vltw_file_open(int32_t package, const vlt_wchar* name, 
 VLT_API int32_t VLT_CALL vlt_file_close(uint32_t file);
 
 /*
- * Reads up to `length` bytes at the position and moves the position past them; sets the file's accessed stamp.
+ * Reads up to `length` bytes at the position and moves the position past them; sets the file's accessed stamp, which
+ * stays in memory while the package's first handle is read-only (once that is closed, the lowest of those left).
  * Returns how many bytes were read: fewer than asked at the end of the file; 0 at the end and on failure, and the
- * position stays.
+ * position stays. vlt_file_is_eof tells the two apart: 1 at the end, 0 after a failure.
  */
 VLT_API int32_t VLT_CALL vlt_file_read(uint32_t file, void* buffer, int32_t length);
 
@@ -224,7 +240,9 @@ VLT_API int32_t VLT_CALL vltw_file_set_time(int32_t package, const vlt_wchar* na
 
 /*
  * Deletes a stored file and frees its blocks, for a read-only handle too. Returns 1; 0 when there is no such file,
- * when it is open through any handle of the package (nothing changes then), or when the host file fails.
+ * when it is open through any handle of the package (nothing changes then), or when the host file fails or may not be
+ * written. After that last failure the file is empty or gone for this session, and for good once its entry has been
+ * written.
  */
 VLT_API int32_t VLT_CALL vlt_file_delete(int32_t package, const char* name);
 VLT_API int32_t VLT_CALL vltw_file_delete(int32_t package, const vlt_wchar* name);
