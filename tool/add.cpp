@@ -1,0 +1,188 @@
+// SPDX-License-Identifier: MIT
+// vlt add
+#include <fmt/format.h>
+#include <map>
+#include <unordered_map>
+
+#include "tool/collector.h"
+#include "tool/package.h"
+#include "tool/program.h"
+#include "tool/progress.h"
+#include "tool/stamps.h"
+
+namespace tool {
+
+namespace {
+
+struct AddOptions {
+    PackageOptions package;
+    std::vector<std::string> paths, excluded;
+    std::string as, prefix, folder;
+    bool update = false, dry_run = false, quiet = false;
+};
+
+constexpr std::size_t kPiece = 1 << 18;
+
+/// Stores files one after the other, and notes what could not be stored.
+class Adding {
+public:
+    Adding(Package& package, const AddOptions& options, Output& out, Collector& collector)
+        : package_(package),
+          options_(options),
+          out_(out),
+          collector_(collector),
+          progress_("add", collector.bytes, options.quiet),
+          piece_(kPiece) {
+        package.for_each([&](const Entry& entry) { stored_.emplace(folded(entry.name), entry); });
+    }
+
+    void add(const SourceFile& source) {
+        const auto name = package_.names().stored(source.name);
+        if (!name) return leave_out(source, "its name is too long, or has characters that the package cannot store");
+        const auto [same, is_new] = added_.emplace(folded(*name), source.name);
+        if (!is_new) return leave_out(source, "its name differs from '" + same->second + "' in case only");
+        if (options_.update && unchanged(source, *name))
+            return progress_.advance(static_cast<std::uint64_t>(source.status.size));
+        if (options_.dry_run) return out_.line(package_.names().shown(*name));
+        try {
+            store(HostFile::open(source.path), source, *name);
+        } catch (const Unreadable& failure) {
+            leave_out(source, failure.what());
+        }
+    }
+
+    void add_input(const std::string& text) {
+        const auto name = package_.names().typed(text);
+        if (!name) throw Failure(text, "the package cannot store such a name");
+        if (options_.dry_run) return out_.line(package_.names().shown(*name));
+        SourceFile source{{}, text, {}};
+        source.status.written = static_cast<std::int64_t>(std::time(nullptr));
+        store(HostFile::standard_input(), source, *name);
+    }
+
+private:
+    bool unchanged(const SourceFile& source, const std::string& name) const {
+        const auto found = stored_.find(folded(name));
+        return found != stored_.end() && found->second.size == source.status.size &&
+               found->second.written == stamp_of(source.status.written);
+    }
+
+    void leave_out(const SourceFile& source, const std::string& reason) {
+        collector_.left_out.push_back({source.name, reason});
+    }
+
+    /// Stores a file whole, or removes what was stored of it.
+    void store(HostFile input, const SourceFile& source, const std::string& name) {
+        // Read a first piece before the stored file is emptied: what cannot be read replaces nothing.
+        std::size_t length = read(input);
+        StoredFile file = package_.open_to_write(name);
+        try {
+            for (; length > 0; length = read(input)) {
+                file.write(piece_.data(), length);
+                progress_.advance(length);
+            }
+            file.close();
+            set_times(source, name);
+        } catch (...) {
+            file.close();
+            package_.remove(name);
+            progress_.clear();
+            warn(package_.path() + ": " + package_.names().shown(name) + ": was stored in part and is removed again");
+            throw;
+        }
+    }
+
+    std::size_t read(HostFile& input) {
+        try {
+            return input.read(piece_.data(), piece_.size());
+        } catch (const Failure& failure) {
+            throw Unreadable(failure);
+        }
+    }
+
+    void set_times(const SourceFile& source, const std::string& name) {
+        Entry entry;
+        entry.name = name;
+        entry.accessed = entry.written = entry.created = stamp_of(source.status.written);
+        const auto before = stored_.find(folded(name));
+        if (before != stored_.end()) entry.created = before->second.created;
+        package_.set_times(entry);
+    }
+
+    struct Unreadable : Failure {
+        explicit Unreadable(const Failure& failure) : Failure(failure) {}
+    };
+
+    Package& package_;
+    const AddOptions& options_;
+    Output& out_;
+    Collector& collector_;
+    Progress progress_;
+    std::vector<char> piece_;
+    std::unordered_map<std::string, Entry> stored_;
+    std::unordered_map<std::string, std::string> added_;
+};
+
+std::string prefixed(const AddOptions& options, const std::string& name) {
+    if (options.prefix.empty() || name.empty()) return options.prefix + name;
+    return options.prefix + (options.prefix.back() == '/' ? "" : "/") + name;
+}
+
+Collector collect(const AddOptions& options) {
+    Collector collector;
+    collector.excluded = options.excluded;
+    collector.not_this = path_of(options.package.path);
+    for (const std::string& text : options.paths) {
+        if (text == "-") continue;
+        const fs::path path = path_of(options.folder) / path_of(text);
+        if (file_status(path).kind == FileStatus::Kind::missing)
+            throw Failure(text, "there is no such file or folder");
+        collector.collect(path, options.as.empty() ? prefixed(options, name_of_path(path_of(text))) : options.as);
+    }
+    return collector;
+}
+
+void check_usage(const AddOptions& options) {
+    const bool input = std::count(options.paths.begin(), options.paths.end(), "-") > 0;
+    if (input && (options.as.empty() || options.paths.size() > 1))
+        throw Failure("add", "standard input needs a name; give it with --as, and no other path");
+    if (!options.as.empty() && options.paths.size() > 1) throw Failure("add", "--as names one file; give one path");
+}
+
+int add(Program& program, const AddOptions& options) {
+    check_usage(options);
+    Collector collector = collect(options);
+    Package package(options.package, Access::write);
+    {
+        Adding adding(package, options, program.out(), collector);
+        if (options.paths.front() == "-") adding.add_input(options.as);
+        for (const SourceFile& source : collector.files) adding.add(source);
+    }
+    package.close();
+    for (const LeftOut& each : collector.left_out) warn(shown_text(each.name) + ": left out: " + each.reason);
+    return collector.left_out.empty() ? kDone : kFindings;
+}
+
+}  // namespace
+
+void add_add_verb(Program& program) {
+    auto options = std::make_shared<AddOptions>();
+    Verb verb = program.add_verb("add", "stores files and whole folders",
+                                 "vlt add plans.vlt drawings notes.txt\n"
+                                 "vlt add --update --exclude '*.bak' plans.vlt drawings\n"
+                                 "vlt add -C /srv/plans plans.vlt .\n"
+                                 "mysqldump shop | vlt add plans.vlt - --as shop.sql");
+    options->package.declare(verb, Access::write);
+    verb.add_option("PATH", options->paths, "files and folders; - for standard input").required();
+    verb.add_option("--as", options->as, "the name of the stored file, or what stands for the folder");
+    verb.add_option("-C,--directory", options->folder, "the folder that paths begin in; it is no part of names");
+    verb.add_option("--prefix", options->prefix, "what names begin with, followed by /");
+    verb.add_option("--exclude", options->excluded, "leave out names that match this pattern; any number of times")
+        .each();
+    verb.add_flag("--update", options->update, "leave files alone whose size and time are those of the stored file");
+    verb.add_flag("-n,--dry-run", options->dry_run, "print the names only; nothing is stored");
+    declare_quiet(verb, options->quiet);
+    program.on_run(verb, options, add);
+}
+
+}  // namespace tool

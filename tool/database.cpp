@@ -1,0 +1,180 @@
+// SPDX-License-Identifier: MIT
+#include "tool/database.h"
+
+#include <algorithm>
+#include <cstring>
+#include <system_error>
+
+#include "bom/check.h"
+#include "bom/text.h"
+#include "tool/failure.h"
+
+namespace tool {
+
+namespace {
+
+bool is_database_file(const std::string& name) {
+    const auto equals = [&](const char* file) { return bom::compare_folded(name.c_str(), file) == 0; };
+    return equals(bom::kSchemaFile) || std::any_of(bom::kTableFiles.begin(), bom::kTableFiles.end(), equals);
+}
+
+fs::path place_of(const fs::path& path) {
+    if (path.filename() != bom::kSchemaFile) return path;
+    return path.has_parent_path() ? path.parent_path() : fs::path(".");
+}
+
+std::string whole_file(const fs::path& path, std::int64_t size) {
+    std::string bytes(static_cast<std::size_t>(size), '\0');
+    HostFile file = HostFile::open(path);
+    bytes.resize(file.read(bytes.data(), bytes.size()));
+    return bytes;
+}
+
+void list_folder(const fs::path& folder, const Names& names, std::vector<Document>& documents) {
+    std::error_code error;
+    for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
+        const FileStatus status = file_status(at->path());
+        const std::string name = text_of(at->path().filename());
+        if (status.kind != FileStatus::Kind::file || is_database_file(name)) continue;
+        documents.push_back({names.stored(name).value_or(name), status.size, at->path()});
+    }
+}
+
+bool is_printable(std::string_view text) {
+    return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c < 0x7f && c != '\\'; });
+}
+
+}  // namespace
+
+void DatabaseOptions::declare(Verb verb, Access access) {
+    verb.add_option("DB", path, "the database: a package, a folder, or kdbmain.txt in one").required();
+    declare_options(verb, access);
+}
+
+void DatabaseOptions::declare_options(Verb verb, Access access) {
+    verb.add_option("--encoding", encoding, "code page of the values, such as CP932; UTF-8 if not given");
+    verb.add_flag("--no-lock", no_lock, "go ahead although another process uses the package");
+    if (access == Access::write) verb.add_flag("--sync", sync, "wait until everything is on the disk");
+}
+
+DatabaseOptions DatabaseOptions::with_path(const std::string& other) const {
+    DatabaseOptions options = *this;
+    options.path = other;
+    return options;
+}
+
+DatabasePlace::DatabasePlace(const DatabaseOptions& options) : path(place_of(path_of(options.path))) {
+    const FileStatus::Kind kind = file_status(path_of(options.path)).kind;
+    if (kind == FileStatus::Kind::missing) throw Failure(options.path, "there is no such package or folder");
+    std::error_code error;
+    is_package = !fs::is_directory(path, error);
+}
+
+// ---- Files ---------------------------------------------------------------------------------------------------
+
+DatabaseFiles::DatabaseFiles(const DatabaseOptions& options) : place_(options), names_(false, options.encoding) {
+    if (!place_.is_package) return;
+    PackageOptions package;
+    package.path = text_of(place_.path);
+    package.encoding = options.encoding;
+    package.no_lock = true;
+    package_ = std::make_unique<Package>(package, Access::read);
+}
+
+std::optional<std::string> DatabaseFiles::read(const std::string& name) const {
+    if (!package_) {
+        const fs::path path = place_.path / name;
+        const FileStatus status = file_status(path);
+        if (status.kind == FileStatus::Kind::missing) return std::nullopt;
+        return whole_file(path, status.size);
+    }
+    const auto entry = package_->find(name);
+    if (!entry) return std::nullopt;
+    std::string bytes(static_cast<std::size_t>(entry->size), '\0');
+    StoredFile file = package_->open_to_read(*entry);
+    bytes.resize(file.read(bytes.data(), bytes.size()));
+    return bytes;
+}
+
+std::string DatabaseFiles::read(const Document& document) const {
+    if (!package_) return whole_file(document.path, document.size);
+    if (auto bytes = read(document.name)) return *std::move(bytes);
+    throw Failure(document.name, "is no longer there");
+}
+
+std::vector<Document> DatabaseFiles::documents() const {
+    std::vector<Document> documents;
+    if (!package_) {
+        list_folder(place_.path, names_, documents);
+        list_folder(place_.path / "docs", names_, documents);
+    } else {
+        package_->for_each([&](const Entry& entry) {
+            if (!entry.of_other_maker && !is_database_file(entry.name))
+                documents.push_back({entry.name, entry.size, {}});
+        });
+    }
+    std::sort(documents.begin(), documents.end(),
+              [](const Document& a, const Document& b) { return a.name < b.name; });
+    return documents;
+}
+
+// ---- The database --------------------------------------------------------------------------------------------
+
+Database::Database(const DatabaseOptions& options, Access access)
+    : options_(options), place_(options), names_(false, options.encoding) {
+    if (place_.is_package && !options.no_lock) {
+        lock_ = std::make_unique<HostLock>(
+            place_.path, access == Access::read ? HostLock::Mode::shared : HostLock::Mode::exclusive);
+    }
+    KOfflineDb_Constructor(&record_);
+    if (KOfflineDb_Load(&record_, library_path(place_.path).c_str()) == 1) return;
+    const DatabaseError reason = failure();
+    KOfflineDb_Destructor(&record_);
+    throw reason;
+}
+
+DatabaseError Database::failure() const {
+    if (record_.error_code != KOFFLINE_ERR_NONE || !place_.is_package) {
+        return DatabaseError(options_.path, database_error_text(record_.error_code, record_.error_text));
+    }
+    std::int32_t error = 0;
+    const std::int32_t package =
+        vlt_package_open(library_path(place_.path).c_str(), 1, 0, nullptr, nullptr, nullptr, &error);
+    if (package) vlt_package_close(package);
+    if (error == VLT_OPEN_CREDENTIALS) {
+        return DatabaseError(options_.path,
+                             "a database cannot be loaded from a package that asks for a word; take it out with "
+                             "`vlt db unpack`, and use the folder");
+    }
+    if (!package) return DatabaseError(options_.path, open_error_text(error));
+    return DatabaseError(options_.path,
+                         "a load needs a package that may be written; make the file writable, or take the "
+                         "database out with `vlt db unpack`, and use the folder");
+}
+
+DatabaseFiles Database::files() const {
+    return DatabaseFiles(options_);
+}
+
+std::string_view Database::value(KOfflineTable* table, std::int32_t rec, std::int32_t field) const {
+    const char* text = KOfflineTable_GetFldValue(table, rec, field);
+    return text ? std::string_view(text) : std::string_view();
+}
+
+std::string Database::shown(std::string_view value) const {
+    return is_printable(value) ? std::string(value) : names_.shown(value);
+}
+
+std::string Database::typed(const std::string& text) const {
+    std::string stored;
+    for (std::string_view rest = text; !rest.empty();) {  // piece by piece: values may be longer than names
+        const std::size_t length = rest[0] == '\\' ? 4 : std::max<std::size_t>(utf8_length(rest), 1);
+        const auto piece = names_.typed(rest.substr(0, length));
+        if (!piece) throw Failure(text, "cannot be written in the encoding of the database");
+        stored += *piece;
+        rest.remove_prefix(std::min(length, rest.size()));
+    }
+    return stored;
+}
+
+}  // namespace tool
