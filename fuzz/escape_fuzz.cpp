@@ -6,6 +6,8 @@
 #include "fuzz/support.h"
 #include "tests/support/escape_properties.h"
 
+using namespace vlt;
+
 namespace {
 
 void SwapByAnyRules(Input& input) {

@@ -8,8 +8,12 @@
 #include <vector>
 
 #include "fuzz/support.h"
-#include "offline/db/schema.h"
+#include "offline/db/schema_read.h"
+#include "offline/db/schema_write.h"
+#include "offline/db/separator.h"
 #include "tests/support/database_files.h"
+
+using namespace vlt;
 
 namespace {
 

@@ -62,9 +62,10 @@ void WritePackageSeeds() {
         for (std::size_t patch = 0; patch < std::size(patches); ++patch)
             for (std::size_t script = 0; script < std::size(scripts); ++script)
                 if (base == kBaseFull ? patch == 0 && script % 3 == 0 : patch == 0 || patch % 5 == script)
-                    Write("package",
-                          std::to_string(base) + "-" + std::to_string(patch) + "-" + std::to_string(script),
-                          Chars({base}) + patches[patch] + Chars({kPatchEnd}) + scripts[script]);
+                    for (const char* target : {"package", "inspect"})
+                        Write(target,
+                              std::to_string(base) + "-" + std::to_string(patch) + "-" + std::to_string(script),
+                              Chars({base}) + patches[patch] + Chars({kPatchEnd}) + scripts[script]);
 }
 
 void WriteTextSeeds() {

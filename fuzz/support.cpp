@@ -9,6 +9,8 @@
 #include "platform/multibyte.h"
 #include "tests/support/host_faults.h"
 
+using namespace vlt;
+
 namespace fs = std::filesystem;
 
 namespace {

@@ -4,6 +4,8 @@
 #include "offline/tables/data_file.h"
 #include "tests/support/table_script.h"
 
+using namespace vlt;
+
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     Input input(data, size);
     const bool double_bytes = input.Flag();

@@ -7,6 +7,8 @@
 #include "platform/host_file.h"
 #include "tests/support/store_calls.h"
 
+using namespace vlt;
+
 namespace {
 
 constexpr std::int64_t kGiB = std::int64_t{1} << 30;

@@ -89,6 +89,14 @@ const Patch kPatches[] = {
     {"free block in a chain", [](Patient& p) { p.SetWord(p.block("victim", 1), 0); }},
     {"chain starts in a free block", [](Patient& p) { p.SetWord(p.block("victim", 0), 0); }},
     {"map word with every bit", [](Patient& p) { p.SetWord(p.block("victim", 1), 0xFFFFFFFF); }},
+    {"chain of free blocks with links",
+     [](Patient& p) {
+         for (const int block : p.good.ChainOf("victim")) p.SetWord(block, p.good.Word(block) & 0x7FFFFFFF);
+     }},
+    {"chain links to the end of another file",
+     [](Patient& p) { p.Link(p.block("victim", 2), static_cast<std::uint32_t>(p.block("other", 2)) + 1); }},
+    {"chain links to the block after the next one outside",
+     [](Patient& p) { p.Link(p.block("victim", 1), p.count() + 2); }},
     {"every free block in use",
      [](Patient& p) {
          for (int block = 0; block < p.good.block_count; ++block)
@@ -107,6 +115,10 @@ const Patch kPatches[] = {
     {"first block 0", [](Patient& p) { p.SetFirst(1); }},
     {"first block 1", [](Patient& p) { p.SetFirst(2); }},
     {"first block outside", [](Patient& p) { p.SetFirst(p.count() + 1); }},
+    {"first block after the next one outside", [](Patient& p) { p.SetFirst(p.count() + 2); }},
+    {"first block where the next header block comes", [](Patient& p) { p.SetFirst(999); }},
+    {"first block in the end of another file",
+     [](Patient& p) { p.SetFirst(static_cast<std::uint32_t>(p.block("other", 2)) + 1); }},
     {"first block with every bit", [](Patient& p) { p.SetFirst(0xFFFFFFFF); }},
     {"first block of another file", [](Patient& p) { p.SetFirst(p.number("other")); }},
     {"first block free", [](Patient& p) { p.SetFirst(p.free_block() + 1); }},
@@ -210,6 +222,44 @@ void ExpectIntact(const World& world, const Model& intact) {
     for (const auto& [name, bytes] : intact) EXPECT_TRUE(world.Stored(name) == bytes) << name << " has changed";
 }
 
+/// Uses a damaged file that stays open while sound files are made, grow and go, and deletes it in the end.
+void UseBesideSoundFiles(const World& world, const std::string& name, Model intact) {
+    const std::uint32_t reader = OpenFile(world.package(), name, VLT_MODE_READ);
+    const std::uint32_t writer = OpenFile(world.package(), name, VLT_MODE_WRITE);
+    ReadFrom(reader, 40000);
+    const auto overwrite = [&] {
+        for (std::int64_t at = 0; at < 5; ++at) {
+            vlt_file_set_pos(writer, at * 4096);
+            WriteTo(writer, Pattern("over", 4096));
+        }
+        ExpectIntact(world, intact);
+    };
+    for (int i = 0; i < 12; ++i) world.Put(intact, "made" + std::to_string(i), i % 2 == 0 ? 0 : 6000);
+    overwrite();
+    const Model old = intact;
+    for (const auto& file : old) world.Put(intact, file.first, 5000);
+    vlt_file_set_pos_eof(writer);
+    WriteTo(writer, Pattern("back", 9000));
+    overwrite();
+    vlt_file_close(writer);
+    vlt_file_close(reader);
+    vlt_file_close(OpenFile(world.package(), name, VLT_MODE_WRITE, {.truncate = true}));
+    for (const auto& file : old) world.Put(intact, file.first, 5000);
+    ExpectIntact(world, intact);
+    Delete(world.package(), name);
+    for (int i = 0; i < 5; ++i) world.Put(intact, "last" + std::to_string(i), 6000, true);
+    ExpectIntact(world, intact);
+}
+
+/// Does everything with one damaged file after the other, and then with sound ones beside each.
+void UseEach(const PackageState& bad, const Model& intact) {
+    for (const auto& [name, bytes] : bad.files) {
+        if (intact.count(name)) continue;
+        World world(bad);
+        UseBesideSoundFiles(world, name, intact);
+    }
+}
+
 /// Opens a damaged package and does everything with it.
 void Examine(const PackageState& state, const PackageImage& good, Bytes host) {
     Count("patches tried");
@@ -231,6 +281,8 @@ void Examine(const PackageState& state, const PackageImage& good, Bytes host) {
     ASSERT_TRUE(world.Open()) << "it does not open again";
     ExpectIntact(world, intact);
     for (const auto& file : intact) EXPECT_TRUE(OpenFile(world.package(), file.first, VLT_MODE_READ)) << file.first;
+    world.Close();
+    UseEach(bad, intact);
 }
 
 template <std::size_t N>
@@ -272,6 +324,35 @@ TEST(Damage, OfEveryByteIsSafe) {
             host[offset] = static_cast<std::uint8_t>(host[offset] ^ flip);
             Examine(state, good, std::move(host));
             if (HasFailure()) return;
+        }
+    }
+}
+
+/// Two files share the end of one chain, or all of it: deleting either leaves the other whole, and lets no new file
+/// have its blocks.
+TEST(Damage, ThatTiesTwoFilesFreesNoBlockOfTheOther) {
+    for (const bool whole_chain : {false, true}) {
+        for (const char* deleted : {"victim", "other"}) {
+            SCOPED_TRACE(testing::Message() << deleted << (whole_chain ? ", the whole chain" : ", its end"));
+            PackageState state = StateNamed("whole");
+            Patient patient{PackageImage(state.host), state.host};
+            if (whole_chain) patient.SetFirst(patient.number("other"));
+            if (!whole_chain)
+                patient.Link(patient.block("victim", 0), static_cast<std::uint32_t>(patient.block("other", 1)) + 1);
+            state.host = patient.host;
+            World world(state);
+            const std::string left = deleted[0] == 'v' ? "other" : "victim";
+            const std::optional<Bytes> bytes = world.Stored(left);
+            Model made;
+            for (int i = 0; i < 2; ++i) {
+                EXPECT_EQ(Delete(world.package(), deleted), i == 0 ? 1 : 0);
+                world.Put(made, "made", 40 * 4096, true);
+                EXPECT_TRUE(world.Stored(left) == bytes && world.Stored("made") == made["made"]);
+                world.Close();
+                ASSERT_TRUE(world.Open());
+            }
+            EXPECT_EQ(Delete(world.package(), left), 1);
+            EXPECT_EQ(Faults(world.Image(), {.leaked_blocks = true}), "");
         }
     }
 }

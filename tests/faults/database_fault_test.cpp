@@ -10,6 +10,8 @@
 #include "tests/support/database.h"
 #include "tests/support/table.h"
 
+using namespace vlt;
+
 namespace {
 
 constexpr int kFull = 512;  // records that fill what a table has room for
@@ -132,7 +134,8 @@ const DbOperation kDbOperations[] = {
     {"LoadIdx", 0, kMemory, [](Db* db) { return KOfflineTable_LoadIdx(Items(db), "CSRC"); }},
     {"LoadIdxAgain", kNever, kMemory, [](Db* db) { return KOfflineTable_LoadIdx(Items(db), "CNAME"); }},
     {"DelRec", kNever, kMemory, [](Db* db) { return KOfflineTable_DelRec(Items(db), 3); }},
-    {"ParseLines", 0, kMemory, [](Db* db) { return KOfflineTable_ParseLines(Items(db), "2000\ta\n", "\t"); }},
+    {"ParseLines", 0, kMemory,
+     [](Db* db) { return std::int32_t{KOfflineTable_ParseLines(Items(db), "2000\ta\n", "\t")}; }},
     {"SearchThatRefreshes", kNever, kMemory, Refresh},
     {"SearchOften", kNever, kMemory, SearchOften},
 };
@@ -267,6 +270,18 @@ TEST(StaleIndex, ThatCannotGrowIsPassedOverByAScan) {
     EXPECT_EQ(table->indexes_stale, 1);
     EXPECT_EQ(table.Find("NID", "new"), std::vector<std::int32_t>{kFull});
     EXPECT_EQ(table->indexes_stale, 0);
+}
+
+TEST_F(DatabaseMeetsFaults, WhereADiskFileIsLongerThanThirtyOneBitsTell) {
+    Database db;
+    ASSERT_TRUE(Begin(db, Place::package));
+    Write("long", "begin");
+    std::filesystem::resize_file(At("long"), (std::uintmax_t{2} << 30) + 5);  // a hole, where the system has them
+    LimitHostFiles(8 << 20);
+    EXPECT_EQ(KOfflineDb_SavePackageFile(db, At("long").c_str(), "long"), 1);
+    EXPECT_TRUE(HostLimitReached());
+    LimitHostFiles(INT64_MAX);
+    EXPECT_EQ(Stored(db, path_)["long"].substr(0, 6), std::string("begin\0", 6));
 }
 
 /// A save that is cut off leaves each file as it was, as it was to become, or as a beginning of that; one at most.

@@ -136,6 +136,20 @@ TEST(MemoryForCallers, IsRefusedWhenItRunsOut) {
     EXPECT_EQ(vlt_alloc_mem(10), nullptr);
 }
 
+/// A host file that refuses one entry, and then everything: only the file of that entry cannot be opened for writing.
+TEST(RefusedEntry, KeepsNoOtherFileFromBeingOpened) {
+    World world(StateNamed("growing"));
+    {
+        const Fault fault(kFaultWrite, 1, FaultManner::cleanly, true);
+        EXPECT_EQ(SetTime(world.package(), "victim", 1, 2, 3), 0);
+        EXPECT_EQ(OpenError(world.package(), "other", VLT_MODE_WRITE), VLT_FILE_OK);
+        EXPECT_EQ(OpenError(world.package(), "victim", VLT_MODE_WRITE), VLT_FILE_NOT_FOUND);
+    }
+    EXPECT_EQ(OpenError(world.package(), "victim", VLT_MODE_WRITE), VLT_FILE_OK);
+    world.Close();
+    EXPECT_EQ(world.Image().Find("victim")->accessed, 2);
+}
+
 // ---- The process ends --------------------------------------------------------------------------------------------
 
 /// Uses a package on after it was cut off: appends to the file that was being changed, fills what is free and grows,
@@ -206,6 +220,17 @@ TEST_P(CutOff, LeavesAPackageThatCanBeUsedOn) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, CutOff, testing::ValuesIn(kScenarios), [](const auto& made) { return made.param.state; });
+
+/// The host file grows before the header does; what it has too much must never be more than the next growth can mend.
+TEST(WriteOfManyBlocks, LetsThePackageGrowAfterItWasCutOff) {
+    const Operation write{"append_huge",  "victim",        nullptr,
+                          Effect::writes, VLT_MODE_APPEND, Pattern("huge", 2100 * 4096)};
+    PackageState state = StateNamed("growing");
+    const PackageState before = state;
+    const FaultKind between_calls[] = {kEnds[0]};
+    TryFaults(between_calls, "prefixes opened",
+              [&](const FaultKind& kind, int nth) { return CutOffAt(before, state, write, kind, nth); });
+}
 
 /// A number of which only some bytes were written can name a block of another file: beyond the stored bytes of a
 /// file, or as the first block of an empty one.

@@ -35,3 +35,10 @@ execute_process(COMMAND ${PKG_CONFIG} --cflags --libs vlt OUTPUT_VARIABLE flags 
 separate_arguments(flags)
 run(${COMPILER} ${OUTSIDE_DIR}/main.c -o ${WORK_DIR}/by_pkg_config.exe ${flags})
 run(${EMULATOR} ${WORK_DIR}/by_pkg_config.exe)
+
+# Taken away again, to the last file.
+run(${CMAKE_COMMAND} -DBUILD_DIR=${BUILD_DIR} -P ${CMAKE_CURRENT_LIST_DIR}/../../cmake/uninstall.cmake)
+file(GLOB_RECURSE left ${prefix}/*)
+if(left)
+    message(FATAL_ERROR "Left behind: ${left}")
+endif()

@@ -7,9 +7,12 @@
 #include <string>
 #include <vector>
 
+#include "offline/tables/record_arena.h"
 #include "tests/support/database.h"
 #include "tests/support/table.h"
 #include "tests/support/table_script.h"
+
+using namespace vlt;
 
 namespace {
 
@@ -46,29 +49,6 @@ TEST_F(DataFiles, AreWhatTheReferenceSays) {
     }
 }
 
-TEST_F(DataFiles, HoldLinesWithComments) {
-    for (const char* text : {"1\ta\r\n2\tb\r\n3\tc\r\n", "1\ta\n2\tb\n3\tc", "1\ta\n\r2\tb\r\r\n3\tc\r\n\n"}) {
-        EXPECT_EQ(Parsed(text), (Strings{"1|a|-", "2|b|-", "3|c|-"})) << testing::PrintToString(text);
-    }
-    EXPECT_EQ(Parsed("1\ta // b // remark\r\n"), Strings{"1|a // b|-"});
-    EXPECT_EQ(Parsed("1\ta///\r\n"), Strings{"1|a/|-"}) << "pairs may overlap";
-    EXPECT_EQ(Parsed("// all\r\n  //\r\n \t \n//\n1//\n"), Strings{"1|-|-"});
-    EXPECT_EQ(Parsed("\t2\tx\t \n"), Strings{"1|2|x"}) << "a tab in front is a separator, behind it is trimmed";
-    Write("bitm.txt", std::string("1\ta\n2\0b\n3", 10));
-    EXPECT_EQ(KOfflineTable_ReadFile(table_, At("bitm.txt").c_str(), "\t"), 1);
-    EXPECT_EQ(table_.Rows(), (Strings{"1|a|-", "2|-|-"})) << "a zero byte ends the file";
-}
-
-TEST_F(DataFiles, AreWrittenByteForByte) {
-    Table values({"NID", "A", "B"}, {"1\ta\\cb", "2\tx\\r\\ny\t \\\\", "3\t\\/\\/\t\\t"});
-    ASSERT_EQ(KOfflineTable_WriteFile(values, At("f").c_str(), "<>"), 1);
-    EXPECT_EQ(Read("f"), "1<>a\\cb<>\r\n2<>x\\r\\ny<>\\\\\r\n3<>\\/\\/<>\\t\r\n");
-    ASSERT_EQ(KOfflineTable_WriteFile(table_, At("f").c_str(), "\t"), 1);
-    EXPECT_EQ(Read("f"), "") << "no records, no lines";
-    ASSERT_EQ(KOfflineTable_ReadFile(values, At("f").c_str(), "\t"), 1);
-    EXPECT_EQ(values.Rows(), Strings());
-}
-
 TEST_F(DataFiles, HoldValuesSeparatorsAndRecordsOfAnySize) {
     for (const std::size_t size : {std::size_t{1023}, std::size_t{32767}, std::size_t{1000000}}) {
         const std::string value(size, ',');
@@ -94,6 +74,12 @@ TEST_F(DataFiles, HoldValuesSeparatorsAndRecordsOfAnySize) {
     EXPECT_TRUE(table_.Rows() == rows);
 }
 
+TEST_F(DataFiles, ARecordWithoutNidIsStoredOnce) {
+    ASSERT_EQ(KOfflineTable_ParseLines(table_, "\ta\tb\n7\ta\n\n\t\tb", "\t"), 1);
+    EXPECT_EQ(table_.Rows(), (Strings{"1|a|b", "7|a|-", "2||b"}));
+    for (int i = 0; i < 3; ++i) EXPECT_TRUE(RecordArena::holds(table_->records[i])) << i;
+}
+
 TEST_F(DataFiles, AFileThatIsNotThereLeavesNoRecords) {
     table_.Add("1");
     const std::string path = At("none");
@@ -105,16 +91,6 @@ TEST_F(DataFiles, AFileThatIsNotThereLeavesNoRecords) {
     EXPECT_EQ(KOfflineTable_WriteFile(table_, nowhere.c_str(), "\t"), 0);
     EXPECT_EQ(table_.TakeError(), KOFFLINE_ERR_FILE);
     EXPECT_EQ(table_.error_text(), nowhere);
-}
-
-TEST_F(DataFiles, ARecordThatCannotBeAddedEndsTheReading) {
-    const std::string text = "1\ta\n2\t" + std::string(40000, 'x') + "\tb\n3\n";
-    EXPECT_EQ(KOfflineTable_ParseLines(table_, text.c_str(), "\t"), 0);
-    EXPECT_EQ(table_.TakeError(), KOFFLINE_ERR_RECORD);
-    EXPECT_EQ(table_.Rows(), Strings{"1|a|-"});
-    EXPECT_EQ(KOfflineTable_ParseLines(table_, std::string(3000000, '\t').append("x").c_str(), "\t"), 1);
-    EXPECT_EQ(KOfflineTable_ParseLines(table_, std::string(3000000, '/').c_str(), "\t"), 1);
-    EXPECT_TRUE(table_.Rows() == (Strings{"1|a|-", "2||", std::string(2999998, '/') + "|-|-"}));
 }
 
 }  // namespace

@@ -1,7 +1,9 @@
 // SPDX-License-Identifier: MIT
-#include "offline/db/schema.h"
+#include "offline/db/separator.h"
 #include "offline/db/stream.h"
 #include "tests/support/database.h"
+
+using namespace vlt;
 
 namespace {
 

@@ -9,6 +9,8 @@
 
 #include "tests/support/escape_properties.h"
 
+using namespace vlt;
+
 namespace {
 
 constexpr int kDecode = 0;
@@ -85,17 +87,6 @@ TEST(Escape, AnyTextComesBackAndBuffersAndDecodersAgree) {
         for (const int direction : {kDecode, kEncode})
             ASSERT_EQ(SmallBufferFault(text, random() % (2 * text.size() + 2), direction), "") << text;
     }
-}
-
-TEST(Escape, EveryCodeStandsForItsCharacterAndNothingElseIsEscaped) {
-    std::string special;
-    for (int c = 1; c < 256; ++c) {
-        if (escape_code(static_cast<char>(c))) special += static_cast<char>(c);
-    }
-    EXPECT_EQ(special, "\t\n\r,/\\");
-    std::vector<char> encoded(2 * special.size() + 1);
-    ASSERT_EQ(KOfflineDb_StrSwap(special.c_str(), encoded.data(), static_cast<int>(encoded.size()), kEncode), 1);
-    for (std::size_t i = 0; i < special.size(); ++i) EXPECT_EQ(encoded[2 * i + 1], escape_code(special[i]));
 }
 
 }  // namespace

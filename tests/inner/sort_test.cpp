@@ -13,6 +13,8 @@
 #include "offline/tables/folded_key.h"
 #include "offline/tables/rank_sort.h"
 
+using namespace vlt;
+
 namespace {
 
 using Numbers = std::vector<std::uint32_t>;
@@ -49,26 +51,6 @@ TEST(Sort, TheOrderOfEqualElementsIsFixed) {
     EXPECT_EQ(SortedPositions("BABABABABAC"), (Numbers{5, 1, 3, 7, 9, 2, 0, 8, 4, 6, 10}));
     KArray_Sort(nullptr, 1, 1, nullptr, nullptr, nullptr);
     KArray_Sort(nullptr, 5, 0, nullptr, nullptr, nullptr);
-}
-
-int CompareChars(const void* left, const void* right, void*) {
-    return *static_cast<const char*>(left) - *static_cast<const char*>(right);
-}
-
-TEST(Sort, SearchFindsTheWholeRangeOfEqualElements) {
-    for (int size = 0; size < 40; ++size) {
-        std::string keys;
-        for (int i = 0; i < size; ++i) keys += static_cast<char>('A' + i / 3 * 2);
-        for (char key = '@'; key < 'z'; ++key) {
-            void* first = &key;
-            void* last = &key;
-            const int found = KArray_SearchRange(&key, keys.data(), size, 1, &first, &last, CompareChars, nullptr);
-            const auto [low, high] = std::equal_range(keys.data(), keys.data() + size, key);
-            ASSERT_EQ(found, low != high) << size << key;
-            ASSERT_EQ(first, found ? low : nullptr) << size << key;
-            ASSERT_EQ(last, found ? high - 1 : nullptr) << size << key;
-        }
-    }
 }
 
 struct Pattern {
@@ -148,23 +130,6 @@ TEST(Sort, KeysCompareAsFoldedBytes) {
     }
     EXPECT_FALSE(key_goes_on(folded_key("1234567\0margin")));
     EXPECT_TRUE(key_goes_on(folded_key("12345678\0margin")));
-}
-
-TEST(Sort, ASearchKeyIsMadeOfTheTextAlone) {
-    const std::string all = "ABcdEFghIJklMNopQRst";
-    for (std::size_t length = 0; length < all.size(); ++length) {
-        const std::string text = all.substr(0, length);
-        std::string value = text + std::string(1, 0) + "margin..";
-        const SearchKey key(text.c_str());
-        EXPECT_EQ(key.first(), folded_key(value.c_str())) << length;
-        value[0] = static_cast<char>(std::tolower(value[0]));
-        EXPECT_TRUE(key.equals(value.c_str())) << length;
-        for (std::size_t i = 0; i <= length; ++i) {
-            std::string other = value;
-            other[i] = '_';
-            EXPECT_FALSE(key.equals(other.c_str())) << length << " " << i;
-        }
-    }
 }
 
 }  // namespace

@@ -68,14 +68,4 @@ TEST_P(Bicycle, NeedsTheRightNumberOfBearings) {
     EXPECT_EQ(Count(bicycle, KOfflineDb_GetNIDByCCODE(db_, "WH-230")), 64);
 }
 
-TEST_P(Bicycle, NamesDocumentsThatExist) {
-    for (KOfflineTable* table : {KOfflineDb_GetTable_BDWG(db_), KOfflineDb_GetTable_BCAPP(db_)}) {
-        EXPECT_GT(KOfflineTable_GetRecsCount(table), 2);
-        const std::int32_t file = KOfflineTable_GetFldIndex(table, "CFILE");
-        for (std::int32_t rec = 0; rec < KOfflineTable_GetRecsCount(table); ++rec) {
-            EXPECT_TRUE(std::filesystem::exists(kBicycle + "/docs/" + KOfflineTable_GetFldValue(table, rec, file)));
-        }
-    }
-}
-
 }  // namespace

@@ -116,7 +116,8 @@ TEST_P(Load, TakesTheSchemaAsPeopleWriteIt) {
     Files files = MinimalDatabase();
     files[kSchema] =
         "// a schema\r\n"
-        "1, INI // settings\r\n1.1, other, x\r\n1.1, Segment, semicolon\r\n1.1, root, it // em\r\n1.1, root\r\n"
+        "1, INI // settings\r\n1.1, other, x\r\n1.1, Segment, semicolon\r\n1.1.1, separator, TAB\r\n1.1, root, it // "
+        "em\r\n1.1, root\r\n"
         "1, odd\r\n1.1, field, X\r\n1.1.1, any\r\n"
         "1, table, foo\r\n1.1, field, Y\r\n"
         "1, TABLE, Bitm // items\r\n\r\n// fields\r\n1.1, FIELD\t,\tBITM.nid , number\r\n1.1, field,\r\n"
@@ -159,6 +160,14 @@ TEST_P(Load, TwiceWithoutResetAppendsTheFieldsAgain) {
     for (int i = 0; i < 2; ++i) ASSERT_EQ(KOfflineDb_Load(db_, path.c_str()), 1);
     EXPECT_EQ(KOfflineTable_GetFldsCount(&db_->tables[1]), 8);
     EXPECT_EQ(ValuesOf(&db_->tables[0], "CCODE"), "BIKE FRAME WHEEL BELL");
+    KOfflineTable* drawings = KOfflineDb_GetTable_BDWG(db_);
+    KOfflineTable_AddRec(drawings, "2", "\t");
+    vlt_file_delete(KOfflineDb_GetPackageHandle(db_), "bdwg.txt");
+    Remove("data/bdwg.txt");
+    ASSERT_EQ(KOfflineDb_Load(db_, path.c_str()), 1);
+    EXPECT_EQ(KOfflineTable_GetFldsCount(drawings), 21);
+    EXPECT_EQ(ValuesOf(drawings, "CFILE"), "bike.dwg -") << "records whose file is gone stay, with more fields";
+    EXPECT_EQ(KOfflineTable_GetFldValue(drawings, 0, 20), nullptr);
 }
 
 using LoadPath = DatabaseTest;
@@ -208,6 +217,21 @@ TEST_F(LoadPath, ToAFileThatIsThereButDoesNotOpenFails) {
     vlt_package_close(other);
     KOfflineDb_Reset(db);
     EXPECT_EQ(KOfflineDb_Load(db, path.c_str()), 1);
+}
+
+TEST_F(LoadPath, ToAPackageWithCredentialsIsWithoutAnyOfThem) {
+    const std::string path = Put(SmallDatabase(), Place::package);
+    std::string bytes = ReadText(path);
+    bytes[36] = 0;  // the write credential is no longer empty
+    WriteText(path, bytes);
+    Database db;
+    EXPECT_EQ(KOfflineDb_Load(db, path.c_str()), 1);
+    EXPECT_EQ(KOfflineDb_Save(db), 0);
+    KOfflineDb_Reset(db);
+    bytes[20] = 0;  // nor is the read credential
+    WriteText(path, bytes);
+    EXPECT_EQ(KOfflineDb_Load(db, path.c_str()), 0);
+    EXPECT_EQ(db->error_code, KOFFLINE_ERR_NONE);
 }
 
 }  // namespace

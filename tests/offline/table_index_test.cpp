@@ -2,32 +2,45 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <ctime>
 #include <string>
 #include <vector>
 
+#include "tests/support/colliding_values.h"
 #include "tests/support/table.h"
 
 namespace {
 
 using Records = std::vector<std::int32_t>;
 
-TEST(Index, OrdersValuesAsTextWithLettersFoldedAndNoValueFirst) {
-    Table numbers({"NID"}, {"1", "2", "10", "9"});
-    EXPECT_EQ(KOfflineTable_LoadIdx(numbers, "NID"), 1);
-    EXPECT_EQ(numbers.Index("NID"), (Records{0, 2, 1, 3}));
-
-    Table texts({"NID", "A"}, {"1\tb", "2\tB0", "3\t_", "4\t\xe9", "5\ta", "6", "7\tB"});
-    EXPECT_EQ(KOfflineTable_LoadIdx(texts, "TABLE.a"), 1);
-    EXPECT_EQ(texts.Index("A"), (Records{5, 2, 4, 6, 0, 1, 3}));
+double SecondsToFind(const std::vector<std::string>& values) {
+    Table table({"A"});
+    for (const std::string& value : values) table.Add(value);
+    KOfflineTable_LoadIdx(table, "A");
+    const std::clock_t begin = std::clock();
+    for (std::int32_t i = 0; i < std::ssize(values); ++i) {
+        std::int32_t found = -1;
+        EXPECT_EQ(KOfflineTable_Search(table, 0, values[static_cast<std::size_t>(i)].c_str(), &found, 1), 1);
+        EXPECT_EQ(found, i);
+    }
+    return static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
 }
 
-TEST(Search, OfNumbersComparesThemAsText) {
-    Table table({"NID"});
-    for (int i = 5; i < 105; ++i) table.Add(std::to_string(i));
-    EXPECT_EQ(KOfflineTable_LoadIdx(table, "NID"), 1);
-    for (int i = 0; i < 3; ++i)
-        EXPECT_EQ(table.Find("NID", "7"), Records{2}) << "more than once, which prepares a table";
-    for (const char* none : {"07", "4", "105", "+7", ""}) EXPECT_EQ(table.Find("NID", none), Records{-1}) << none;
+TEST(Search, OfValuesMadeToCollideTakesNoLonger) {
+    constexpr std::size_t kValues = 20000;
+    const double honest = SecondsToFind(ValuesOfEightBytes(kValues, false));
+    EXPECT_LT(SecondsToFind(ValuesOfEightBytes(kValues, true)), 10 * honest + 0.2);
+}
+
+TEST(Search, FindsEveryOneOfAPowerOfTwoOfValues) {
+    Table table({"A", "B"});
+    for (int i = 0; i < 256; ++i) table.Add("v" + std::to_string(i) + "\tw" + std::to_string(i / 2));
+    for (const char* field : {"A", "B"}) KOfflineTable_LoadIdx(table, field);
+    for (int i = 0; i < 256; ++i) {
+        EXPECT_EQ(table.Find("A", ("V" + std::to_string(i)).c_str()), Records{i});
+        EXPECT_EQ(table.Find("B", ("W" + std::to_string(i)).c_str()).size(), i < 128 ? 2U : 1U);
+        EXPECT_EQ(table.Find("A", ("none" + std::to_string(i)).c_str()), Records{-1});
+    }
 }
 
 TEST(Index, KeepsAMendedOrderOfEqualValuesUntilTheNextRefresh) {
@@ -57,22 +70,6 @@ TEST(Index, OfAFieldThatIsNotThereIsRefusedWithItsNameAsItWasGiven) {
     EXPECT_EQ(table.error_text(), std::string(255, 'n'));
     EXPECT_EQ(KOfflineTable_LoadIdx(table, nullptr), 0);
     EXPECT_EQ(table.error_text(), "");
-}
-
-TEST(Index, IsLeftAsItIsUntilASearchRefreshesIt) {
-    Table table({"A", "B"}, {"b", "d"});
-    KOfflineTable_LoadIdx(table, "A");
-    EXPECT_EQ(table->indexes_stale, 1) << "building an index does not make the others current";
-    table.Add("a");
-    table.Add("c");
-    EXPECT_EQ(table.Index("A"), (Records{0, 1, 0, 0})) << "the old entries, then none";
-    EXPECT_EQ(table.Find("B", "b"), Records{0}) << "a scan refreshes nothing, and counts none";
-    EXPECT_EQ(table.Index("A"), (Records{0, 1, 0, 0}));
-    EXPECT_EQ(table.Find("A", "c"), Records{3});
-    EXPECT_EQ(table.Index("A"), (Records{2, 0, 3, 1}));
-    EXPECT_EQ(table->indexes_stale, 0);
-    table.Set(0, 0, "B");
-    EXPECT_EQ(table->indexes_stale, 1) << "even where the order stays";
 }
 
 }  // namespace

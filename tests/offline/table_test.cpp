@@ -13,15 +13,6 @@ namespace {
 
 using Strings = std::vector<std::string>;
 
-TEST(Fields, AreFoundByWhatFollowsTheFirstPointWhateverTheirLetterCase) {
-    Table table({"BITM.NID", "CCODE", "A.B.C"});
-    EXPECT_EQ(KOfflineTable_GetFldIndex(table, "x.Nid"), 0);
-    EXPECT_EQ(KOfflineTable_GetFldIndex(table, "ccode"), 1);
-    EXPECT_EQ(KOfflineTable_GetFldIndex(table, "z.b.c"), 2);
-    EXPECT_EQ(KOfflineTable_GetFldIndex(table, "C"), -1);
-    EXPECT_EQ(KOfflineTable_GetFldIndex(table, nullptr), -1);
-}
-
 TEST(Fields, NamesAreKeptAsDeclaredUpToTheirLimit) {
     Table table({"BITM.NID"});
     const std::string longest(32, 'n');
@@ -116,27 +107,6 @@ TEST(Records, CapacityGrowsInStepsAsRecordsAreAdded) {
     EXPECT_EQ(KOfflineTable_GetRecsCount(table) + KOfflineTable_GetFldsCount(table), 0);
 }
 
-TEST(Nids, AreNumberedOnFromTheLargest) {
-    Table table({"NID", "A"}, {"1", "5", "3", "abc", "2.5", "-4", "\tfirst", "\tsecond"});
-    EXPECT_EQ(table.Row(6) + table.Row(7), "6|first7|second");
-    EXPECT_EQ(KOfflineTable_SetRecNID(table, 0, 20), 1);
-    EXPECT_EQ(KOfflineTable_GetRecNID(table, KOfflineTable_CopyRec(table, 6)), 23);
-    EXPECT_EQ(KOfflineTable_SetRecNID(table, 0, 10), 1);
-    EXPECT_EQ(KOfflineTable_GetRecNID(table, KOfflineTable_CopyRec(table, 6)), 24);
-    for (const int record : {3, 4}) EXPECT_EQ(KOfflineTable_GetRecNID(table, record), -1);
-    EXPECT_EQ(KOfflineTable_GetRecNID(table, 5), -4);
-}
-
-TEST(Nids, ADeletionBeforeTheFirstNumberFixesTheBase) {
-    Table table({"NID"}, {"1", "5", "3"});
-    EXPECT_EQ(KOfflineTable_DelRec(table, 1), 1);
-    table.Add("");
-    EXPECT_EQ(table.Rows(), (Strings{"1", "3", "7"}));
-    KOfflineTable_Clear(table);
-    table.Add("");
-    EXPECT_EQ(table.Rows(), Strings{"8"}) << "clearing does not begin the numbering anew";
-}
-
 TEST(Nids, ARecordThatCannotGetOneIsNotAdded) {
     Table table({"A", "NID"});
     EXPECT_EQ(KOfflineTable_AddRec(table, std::string(40000, 'x').c_str(), ";"), -1) << "no room for the NID";
@@ -155,23 +125,6 @@ TEST(Nids, ARecordThatCannotGetOneIsNotAdded) {
         EXPECT_EQ(KOfflineTable_GetRecNID(table, 0), nid);
     }
     EXPECT_EQ(KOfflineTable_CopyRec(table, 0), -1) << "the largest number ends the numbering";
-}
-
-TEST(Tables, NoTableIsATableWithNothingInIt) {
-    KOfflineTable* none = nullptr;
-    KOfflineTable_Constructor(none, nullptr, "T");
-    KOfflineTable_Clear(none);
-    KOfflineTable_Destructor(none);
-    EXPECT_EQ(KOfflineTable_GetOfflineDb(none), nullptr);
-    EXPECT_EQ(KOfflineTable_GetTblName(none), nullptr);
-    EXPECT_EQ(KOfflineTable_GetFldsCount(none) + KOfflineTable_GetRecsCount(none), 0);
-    EXPECT_EQ(KOfflineTable_AddFld(none, "F"), -1);
-    EXPECT_EQ(KOfflineTable_AddRec(none, "a", ";"), -1);
-    EXPECT_EQ(KOfflineTable_GetRecNID(none, 0), -1);
-    EXPECT_EQ(KOfflineTable_SetRecNID(none, 0, 1), 0);
-    EXPECT_EQ(KOfflineTable_LoadIdx(none, "F"), 0);
-    EXPECT_EQ(KOfflineTable_Search(none, 0, "a", nullptr, 0), -1);
-    EXPECT_EQ(KOfflineTable_WriteFile(none, "file", ";"), 0);
 }
 
 }  // namespace

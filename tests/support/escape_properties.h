@@ -44,7 +44,7 @@ inline std::string EscapeFault(const std::string& text, bool double_bytes) {
     if (SwapInPlace(most, text, 1) != encoded || SwapInPlace(most, text, 0) != decoded) return "differs in place";
     for (const bool ascii_is_whole : {false, !double_bytes}) {
         std::string fast = text;
-        const std::size_t length = escape_decode(fast.data(), fast.size(), ascii_is_whole);
+        const std::size_t length = vlt::escape_decode(fast.data(), fast.size(), ascii_is_whole);
         if (fast.c_str() != decoded.text || length != decoded.text.size()) return "the fast decoder differs";
     }
     return "";

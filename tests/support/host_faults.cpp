@@ -10,6 +10,8 @@
 #include "platform/host_file.h"
 #include "platform/mutex.h"
 
+using namespace vlt;
+
 namespace {
 
 // Faults belong to tests of one thread; the counters are also kept while many run.

@@ -1,6 +1,6 @@
 // SPDX-License-Identifier: MIT
-// The bytes of a package in its host file, read without the library: fields, chains, entries, and one checker of
-// what must hold in every package.
+// What the tests ask of a package's bytes, as inspect/ reads them: fields, chains, entries, and what must hold in
+// every package.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,11 @@
 #include <string>
 #include <vector>
 
-using Bytes = std::vector<std::uint8_t>;
+#include "inspect/package.h"
+
+using Bytes = inspect::Bytes;
+using ImageEntry = inspect::Entry;
+using inspect::FoldedName;
 
 /// The whole host file; empty when there is none.
 Bytes ReadHostFile(const std::string& path);
@@ -31,28 +35,14 @@ void StoreStamp(Bytes& bytes, std::size_t offset, double stamp);
 /// Reverses and inverts a credential, as its field holds it.
 Bytes EncodedCredential(const std::string& credential);
 
-struct ImageEntry {
-    int index = 0;
-    int kind = 0;
-    std::uint32_t first_block = 0;  // block number
-    std::int64_t size = 0;
-    double created = 0, accessed = 0, written = 0;
-    std::u16string name;  // narrow names: one unit a byte
-
-    bool used() const { return kind == 1 || kind == 2; }
-    /// Index of the first block; -1 for none, or a number that can be none's.
-    int start() const { return first_block <= 0x0FFFFFFF ? static_cast<int>(first_block) - 1 : -1; }
-};
-
 class PackageImage {
 public:
     explicit PackageImage(Bytes host, std::size_t base_offset = 0);
 
-    bool is_package() const { return block_count >= 2 && !unknown_magic_; }
+    bool is_package() const { return is_package_; }
 
-    std::uint32_t Word(int block) const;  // 0 beyond the map
-    /// Blocks of the chain that starts at a block index. Ends where a link leads out of the package or back.
-    std::vector<int> Chain(int start) const;
+    std::uint32_t Word(int block) const { return map_.Word(block); }
+    std::vector<int> Chain(int start) const { return map_.Chain(start); }
     Bytes ChainBytes(int start) const;
 
     const ImageEntry* Find(const std::string& name) const;
@@ -77,9 +67,8 @@ public:
     std::vector<ImageEntry> entries;
 
 private:
-    void ReadHeader();
-    void ReadEntries();
-    bool unknown_magic_ = false;
+    bool is_package_ = false;
+    inspect::BlockMap map_;
 };
 
 /// What a package may show after an operation was cut off or failed half way.
@@ -97,7 +86,5 @@ std::string Faults(const PackageImage& image, const Leniency& leniency = {});
 /// The files of a package that hold all their bytes in blocks of their own, by the folded name that is theirs alone:
 /// whatever else is damaged, these read back until they are changed.
 std::map<std::u16string, Bytes> SoundFiles(const PackageImage& image);
-/// The letters A to Z made small, as names are compared.
-std::u16string FoldedName(std::u16string name);
-/// The same of a narrow name, as images hold it.
+/// A narrow name, folded, as images hold it.
 std::u16string FoldedName(const std::string& narrow);

@@ -33,6 +33,7 @@ public:
     std::int32_t Write(std::uint32_t file, const std::uint8_t* buffer, std::int32_t length);
     std::int32_t SetPos(std::uint32_t file, std::int64_t position);
     std::int32_t SetPosBof(std::uint32_t file);
+    std::int32_t SetPosEof(std::uint32_t file) { return SetPos(file, -1); }
     std::int32_t GetPos(std::uint32_t file, std::int64_t* position);
     std::int32_t IsEof(std::uint32_t file);
     std::int32_t IsBof(std::uint32_t file);

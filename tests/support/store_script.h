@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // A script of calls on one package, taken from bytes: random ones, or those of a fuzzer. As long as the package is
 // sound and the disk has room, the plain reference runs beside the library: every result and every listing is the
-// same, and after each call every byte of the host file. Of a damaged package, and with a full disk: the results are
-// among the documented ones, listings end, and sound files that the script does not change read back byte for byte.
+// same, and after each call every byte of the host file. Of a damaged package: the results are among the documented
+// ones, listings end, and every file that was sound at first or was made since holds what the script wrote, byte for
+// byte, whatever it does to the others. With a full disk so do the files that are not being changed.
 #pragma once
 
 #include <functional>

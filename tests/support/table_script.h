@@ -11,7 +11,7 @@ enum TableCall { kAdd, kCopy, kSet, kDelete, kIndex, kFind, kNid, kField, kClear
 constexpr int kHeld = 0x10;  // added to a call: its text is a value of the table
 constexpr int kLong = 0xfa;  // added to one of the first: its text is longer by nearly as much as a record takes
 
-using TableReader = std::int32_t (*)(KOfflineTable*, const char* path, const char* separator);
+using TableReader = bool (*)(KOfflineTable*, const char* path, const char* separator);
 
 /// Returns what is not as the reference says, "" when all is. The input:
 ///
