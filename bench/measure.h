@@ -3,14 +3,24 @@
 // process, and what counts is the median of its processor time.
 #pragma once
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <functional>
 #include <string>
 #include <vector>
 
 namespace bench {
+
+/// Ends the benchmark when something that it builds upon fails.
+inline void need(bool holds, const char* what) {
+    if (holds) return;
+    std::fprintf(stderr, "benchmark: %s failed\n", what);
+    std::exit(1);
+}
 
 /// Processor time of this process so far, user and system, in seconds.
 inline double processor_seconds() {
@@ -34,6 +44,16 @@ double seconds_of(Work work) {
     return processor_seconds() - start;
 }
 
+/// Memory that the process has taken, in KiB.
+inline long resident_kib() {
+    long pages = 0, resident = 0;
+    if (std::FILE* f = std::fopen("/proc/self/statm", "r")) {
+        if (std::fscanf(f, "%ld %ld", &pages, &resident) != 2) resident = 0;
+        std::fclose(f);
+    }
+    return resident * ::sysconf(_SC_PAGESIZE) / 1024;
+}
+
 inline double median(std::vector<double> values) {
     std::sort(values.begin(), values.end());
     return values[values.size() / 2];
@@ -44,6 +64,12 @@ struct Contender {
     std::string name;
     std::function<double()> run;
 };
+
+/// A contender whose processor time counts.
+template <typename Work>
+Contender timed(const char* name, Work work) {
+    return {name, [work] { return seconds_of(work); }};
+}
 
 /// Runs the contenders in turn and returns the median of each, in their order.
 inline std::vector<double> medians(const std::vector<Contender>& contenders, int rounds) {

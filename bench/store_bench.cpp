@@ -14,13 +14,16 @@
 #include <filesystem>
 #include <random>
 #include <thread>
+#include <unordered_map>
 
 #include "measure.h"
 #include "vlt.h"
 
 namespace fs = std::filesystem;
 using bench::Contender;
+using bench::need;
 using bench::seconds_of;
+using bench::timed;
 
 namespace {
 
@@ -30,15 +33,6 @@ constexpr int random_piece = 4 * 1024;
 
 fs::path folder;
 int rounds = 9;
-
-[[noreturn]] void fail(const char* what) {
-    std::fprintf(stderr, "store_bench: %s failed\n", what);
-    std::exit(1);
-}
-
-void need(bool holds, const char* what) {
-    if (!holds) fail(what);
-}
 
 const std::vector<char>& payload() {
     static const std::vector<char> bytes = [] {
@@ -121,6 +115,10 @@ public:
         const auto file = vlt_file_open(handle_, name.c_str(), mode, 0, 0, nullptr);
         need(file > 0, "vlt_file_open");
         return static_cast<std::uint32_t>(file);
+    }
+    void need_file(const std::string& name) {
+        need(vlt_file_get_info(handle_, name.c_str(), nullptr, nullptr, nullptr, nullptr, nullptr) == 1,
+             "vlt_file_get_info");
     }
     void append(std::uint32_t file, std::int64_t size) {
         for (std::int64_t at = 0; at < size; at += piece)
@@ -251,187 +249,256 @@ double package_write(std::int64_t size, bool has_room) {
     return seconds_of([&] { package.append(file, size); });
 }
 
-void large_file_rows(std::int64_t size, int lookups) {
-    const std::string mib = std::to_string(size >> 20) + " MiB";
-    Raw raw("raw.bin", size);
-    bench::row("W1 " + mib + " in 32 KiB pieces, room is there",
-               {{"raw", [&] { return seconds_of([&] { raw_pieces(raw, size, true); }); }},
-                {"library", [&] { return package_write(size, true); }},
-                {"SQLite blob",
-                 [&] {
-                     Blobs blobs("w.db");
-                     blobs.put_zeros("big", size);
-                     sqlite3_blob* b = blobs.blob();
-                     const double s = seconds_of([&] {
-                         for (std::int64_t at = 0; at < size; at += piece)
-                             need(sqlite3_blob_write(b, payload().data(), piece, static_cast<int>(at)) == SQLITE_OK,
-                                  "blob write");
-                     });
-                     sqlite3_blob_close(b);
-                     return s;
-                 }}},
-               rounds, "1.60");
-    bench::row("W2 " + mib + " into a package that grows",
-               {{"raw, growing",
-                 [&] {
-                     Raw grows("g.bin");
-                     return seconds_of([&] { raw_pieces(grows, size, true); });
-                 }},
-                {"library", [&] { return package_write(size, false); }}},
-               rounds, "1.30");
+void package_read(std::uint32_t file, std::vector<char>& buffer) {
+    vlt_file_set_pos_bof(file);
+    while (vlt_file_read(file, buffer.data(), piece) > 0) {
+    }
+}
 
+/// One blob of SQLite that is written and read in pieces.
+class LargeBlob {
+public:
+    LargeBlob(const char* name, std::int64_t size) : blobs_(name), size_(size) {
+        blobs_.put_zeros("big", size);
+        blob_ = blobs_.blob();
+    }
+    ~LargeBlob() { sqlite3_blob_close(blob_); }
+    void write() {
+        for (std::int64_t at = 0; at < size_; at += piece)
+            need(sqlite3_blob_write(blob_, payload().data(), piece, static_cast<int>(at)) == SQLITE_OK, "blob write");
+    }
+    void read(std::vector<char>& buffer) {
+        for (std::int64_t at = 0; at < size_; at += piece)
+            need(sqlite3_blob_read(blob_, buffer.data(), piece, static_cast<int>(at)) == SQLITE_OK, "blob read");
+    }
+
+private:
+    Blobs blobs_;
+    std::int64_t size_;
+    sqlite3_blob* blob_ = nullptr;
+};
+
+void large_write_rows(const std::string& mib, std::int64_t size, Raw& raw) {
+    const auto blob = [&] {
+        LargeBlob target("w.db", size);
+        return seconds_of([&] { target.write(); });
+    };
+    bench::row("W1 " + mib + " in 32 KiB pieces, room is there",
+               {timed("raw", [&] { raw_pieces(raw, size, true); }),
+                {"library", [&] { return package_write(size, true); }},
+                {"SQLite blob", blob}},
+               rounds, "1.60");
+    const auto raw_growing = [&] {
+        Raw grows("g.bin");
+        return seconds_of([&] { raw_pieces(grows, size, true); });
+    };
+    bench::row("W2 " + mib + " into a package that grows",
+               {{"raw, growing", raw_growing}, {"library", [&] { return package_write(size, false); }}}, rounds,
+               "1.30");
+}
+
+void large_read_rows(std::int64_t size, int lookups, Raw& raw) {
     Package package("r.vlt", static_cast<int>(size >> 20) + 2);
     const std::uint32_t file = package.open_file("big", VLT_MODE_WRITE);
     package.append(file, size);
-    Blobs blobs("r.db");
-    blobs.put_zeros("big", size);
-    sqlite3_blob* b = blobs.blob();
-    bench::row("R1 read it in 32 KiB pieces",
-               {{"raw", [&] { return seconds_of([&] { raw_pieces(raw, size, false); }); }},
-                {"library",
-                 [&] {
-                     vlt_file_set_pos_bof(file);
-                     std::vector<char> buffer(piece);
-                     return seconds_of([&] {
-                         while (vlt_file_read(file, buffer.data(), piece) > 0) {
-                         }
-                     });
-                 }},
-                {"SQLite blob",
-                 [&] {
-                     std::vector<char> buffer(piece);
-                     return seconds_of([&] {
-                         for (std::int64_t at = 0; at < size; at += piece)
-                             need(sqlite3_blob_read(b, buffer.data(), piece, static_cast<int>(at)) == SQLITE_OK,
-                                  "blob read");
-                     });
-                 }}},
-               rounds, "1.10");
+    LargeBlob blob("r.db", size);
+    std::vector<char> buffer(piece);
+    bench::row(
+        "R1 read it in 32 KiB pieces",
+        {timed("raw", [&] { raw_pieces(raw, size, false); }), timed("library", [&] { package_read(file, buffer); }),
+         timed("SQLite blob", [&] { blob.read(buffer); })},
+        rounds, "1.10");
     const auto offsets = random_offsets(size, lookups);
-    for (const bool write : {false, true})
+    for (const bool write : {false, true}) {
+        const auto raw_random = [&] {
+            for (const auto o : offsets) write ? raw.write(o, random_piece) : raw.read(o, random_piece);
+        };
         bench::row(write ? "U1 random 4 KiB overwrites" : "R2 random 4 KiB reads",
-                   {{"raw",
-                     [&] {
-                         return seconds_of([&] {
-                             for (auto o : offsets) write ? raw.write(o, random_piece) : raw.read(o, random_piece);
-                         });
-                     }},
-                    {"library", [&] { return seconds_of([&] { package.at_offsets(file, offsets, write); }); }}},
+                   {timed("raw", raw_random), timed("library", [&] { package.at_offsets(file, offsets, write); })},
                    rounds, "1.15");
-    sqlite3_blob_close(b);
+    }
+}
+
+void large_file_rows(std::int64_t size, int lookups) {
+    Raw raw("raw.bin", size);
+    large_write_rows(std::to_string(size >> 20) + " MiB", size, raw);
+    large_read_rows(size, lookups, raw);
+}
+
+/// A package with room for that many small files.
+int small_files_room(int count) {
+    return count * (small_file + 1024) / 1048576 + 2;
+}
+
+void raw_small_files(Raw& raw, int count) {
+    for (int i = 0; i < count; ++i) raw.write(std::int64_t{i} * small_file, small_file);
+}
+
+/// Puts that many files into a store, one that has `put`.
+template <typename Store>
+void put_all(Store& store, int count) {
+    for (int i = 0; i < count; ++i) store.put(name_of(i));
+}
+
+template <typename Store>
+void get_all(Store& store, const std::vector<int>& order) {
+    for (const int i : order) store.get(name_of(i));
+}
+
+template <typename Store>
+void replace_all(Store& store, int count) {
+    for (int i = 0; i < count; ++i) store.drop(name_of(i));
+    put_all(store, count);
+}
+
+void small_write_row(int count, Raw& raw) {
+    const auto library = [&] {
+        Package p("s.vlt", small_files_room(count));
+        return seconds_of([&] { p.write_small_files(count); });
+    };
+    const auto blobs = [&] {
+        Blobs b("s.db");
+        return seconds_of([&] { put_all(b, count); });
+    };
+    const auto files = [&] {
+        Files f;
+        return seconds_of([&] { put_all(f, count); });
+    };
+    bench::row("W3 " + std::to_string(count) + " files of 8 KiB",
+               {timed("raw", [&] { raw_small_files(raw, count); }),
+                {"library", library},
+                {"SQLite blobs", blobs},
+                {"files", files}},
+               rounds, "3.00");
+}
+
+/// Opens and closes a package beside reading the blocks that an opening has to read.
+void open_row(Package& package, int count) {
+    const int header_blocks = (101 + 4 * small_files_room(count) * 256 + 4095) / 4096;
+    const int blocks = header_blocks + count * 550 / 4096 + 1;
+    const auto read_blocks = [&] {
+        const int fd = ::open(package.path().c_str(), O_RDONLY);
+        std::vector<char> image(static_cast<std::size_t>(blocks) * 4096);
+        for (int i = 0; i < blocks; ++i)
+            need(::pread(fd, image.data() + std::int64_t{i} * 4096, 4096, std::int64_t{i} * 4096) == 4096, "pread");
+        ::close(fd);
+    };
+    const auto open_and_close = [&] {
+        package.open();
+        package.close();
+    };
+    package.close();
+    bench::row("O1 open and close that package",
+               {timed("raw block reads", read_blocks), timed("library", open_and_close)}, rounds * 3, "2.00");
+    package.open();
 }
 
 void small_file_rows(int count) {
-    const std::string n = std::to_string(count);
-    const int room = count * (small_file + 1024) / 1048576 + 2;
-    const std::int64_t size = std::int64_t{count} * small_file;
-    Raw raw("raw.bin", size);
-    const auto order = shuffled(count);
-    const auto raw_small = [&](bool write) {
-        return seconds_of([&] {
-            for (const int i : order)
-                write ? raw.write(std::int64_t{i} * small_file, small_file)
-                      : raw.read(std::int64_t{i} * small_file, small_file);
-        });
-    };
-    const auto raw_in_order = [&] {
-        return seconds_of([&] {
-            for (int i = 0; i < count; ++i) raw.write(std::int64_t{i} * small_file, small_file);
-        });
-    };
-    bench::row("W3 " + n + " files of 8 KiB",
-               {{"raw", raw_in_order},
-                {"library",
-                 [&] {
-                     Package p("s.vlt", room);
-                     return seconds_of([&] { p.write_small_files(count); });
-                 }},
-                {"SQLite blobs",
-                 [&] {
-                     Blobs b("s.db");
-                     return seconds_of([&] {
-                         for (int i = 0; i < count; ++i) b.put(name_of(i));
-                     });
-                 }},
-                {"files",
-                 [&] {
-                     Files f;
-                     return seconds_of([&] {
-                         for (int i = 0; i < count; ++i) f.put(name_of(i));
-                     });
-                 }}},
-               rounds, "3.00");
+    Raw raw("raw.bin", std::int64_t{count} * small_file);
+    small_write_row(count, raw);
 
-    Package package("s.vlt", room);
+    Package package("s.vlt", small_files_room(count));
     package.write_small_files(count);
     Blobs blobs("s.db");
     Files files;
-    for (int i = 0; i < count; ++i) blobs.put(name_of(i)), files.put(name_of(i));
-    bench::row("R3 open, read, close them in random order",
-               {{"raw", [&] { return raw_small(false); }},
-                {"library", [&] { return seconds_of([&] { package.read_small_files(order); }); }},
-                {"SQLite blobs",
-                 [&] {
-                     return seconds_of([&] {
-                         for (const int i : order) blobs.get(name_of(i));
-                     });
-                 }},
-                {"files",
-                 [&] {
-                     return seconds_of([&] {
-                         for (const int i : order) files.get(name_of(i));
-                     });
-                 }}},
-               rounds, "1.20");
-    bench::row("D1 delete them and write them again",
-               {{"raw", raw_in_order},
-                {"library",
-                 [&] {
-                     return seconds_of([&] {
-                         package.delete_small_files(count);
-                         package.write_small_files(count);
-                     });
-                 }},
-                {"SQLite blobs",
-                 [&] {
-                     return seconds_of([&] {
-                         for (int i = 0; i < count; ++i) blobs.drop(name_of(i));
-                         for (int i = 0; i < count; ++i) blobs.put(name_of(i));
-                     });
-                 }},
-                {"files",
-                 [&] {
-                     return seconds_of([&] {
-                         for (int i = 0; i < count; ++i) files.drop(name_of(i));
-                         for (int i = 0; i < count; ++i) files.put(name_of(i));
-                     });
-                 }}},
-               rounds, "3.50");
-
-    package.close();
-    const int header_blocks = (101 + 4 * room * 256 + 4095) / 4096, directory_blocks = count * 550 / 4096 + 1;
+    put_all(blobs, count);
+    put_all(files, count);
+    const auto order = shuffled(count);
+    const auto raw_reads = [&] {
+        for (const int i : order) raw.read(std::int64_t{i} * small_file, small_file);
+    };
     bench::row(
-        "O1 open and close that package",
-        {{"raw block reads",
-          [&] {
-              return seconds_of([&] {
-                  const int fd = ::open(package.path().c_str(), O_RDONLY);
-                  std::vector<char> image(static_cast<std::size_t>(header_blocks + directory_blocks) * 4096);
-                  for (int i = 0; i < header_blocks + directory_blocks; ++i)
-                      need(::pread(fd, image.data() + std::int64_t{i} * 4096, 4096, std::int64_t{i} * 4096) == 4096,
-                           "pread");
-                  ::close(fd);
-              });
-          }},
-         {"library",
-          [&] {
-              return seconds_of([&] {
-                  package.open();
-                  package.close();
-              });
-          }}},
-        rounds * 3, "2.00");
-    package.open();
+        "R3 open, read, close them in random order",
+        {timed("raw", raw_reads), timed("library", [&] { package.read_small_files(order); }),
+         timed("SQLite blobs", [&] { get_all(blobs, order); }), timed("files", [&] { get_all(files, order); })},
+        rounds, "1.20");
+    const auto library = [&] {
+        package.delete_small_files(count);
+        package.write_small_files(count);
+    };
+    bench::row("D1 delete them and write them again",
+               {timed("raw", [&] { raw_small_files(raw, count); }), timed("library", library),
+                timed("SQLite blobs", [&] { replace_all(blobs, count); }),
+                timed("files", [&] { replace_all(files, count); })},
+               rounds, "3.50");
+    open_row(package, count);
+}
+
+// ---- Names that were made to be slow -----------------------------------------------------------------------------
+
+constexpr int name_count = 65536, chunk = 8;
+
+std::uint32_t hash_on(std::uint32_t hash, const std::string& text) {
+    for (const char c : text) hash = (hash ^ static_cast<unsigned char>(c)) * 16777619u;
+    return hash;
+}
+
+std::string random_text(std::mt19937& random, int length) {
+    std::string text;
+    for (int i = 0; i < length; ++i) text += static_cast<char>('a' + random() % 26);
+    return text;
+}
+
+/// Two texts that take a hash from one state to the same next one.
+std::pair<std::string, std::string> collision(std::uint32_t state) {
+    std::mt19937 random(9);
+    for (std::unordered_map<std::uint32_t, std::string> seen;;) {
+        const std::string text = random_text(random, chunk);
+        const auto [at, is_new] = seen.emplace(hash_on(state, text), text);
+        if (!is_new && at->second != text) return {at->second, text};
+    }
+}
+
+/// Names that share the hash of the library's name index: one of two texts at each of 16 places.
+std::vector<std::string> crafted_names() {
+    std::vector<std::string> names(name_count);
+    std::uint32_t state = 2166136261u;
+    for (int place = 0; 1 << place < name_count; ++place) {
+        const auto [a, b] = collision(state);
+        for (std::size_t i = 0; i < names.size(); ++i) names[i] += i >> place & 1 ? b : a;
+        state = hash_on(state, a);
+    }
+    return names;
+}
+
+/// As many names of the same length.
+std::vector<std::string> honest_names() {
+    std::mt19937 random(5);
+    std::vector<std::string> names(name_count);
+    for (std::string& name : names) name = random_text(random, 16 * chunk);
+    return names;
+}
+
+/// A package with an empty file for each name.
+struct NamedFiles {
+    explicit NamedFiles(std::vector<std::string> given) : names(std::move(given)), package("n.vlt", 40) {
+        made = seconds_of([&] {
+            for (const std::string& name : names) vlt_file_close(package.open_file(name, VLT_MODE_WRITE));
+        });
+    }
+    /// Opens the package and looks the first names up.
+    double look_up(int count) {
+        package.close();
+        return seconds_of([&] {
+            package.open();
+            for (int i = 0; i < count; ++i) package.need_file(names[static_cast<std::size_t>(i)]);
+        });
+    }
+    std::vector<std::string> names;
+    Package package;
+    double made = 0;
+};
+
+void name_rows() {
+    NamedFiles honest(honest_names()), crafted(crafted_names());
+    const std::string n = std::to_string(name_count);
+    bench::print_row("N1 make " + n + " files", honest.made, "names that share a hash", crafted.made / honest.made,
+                     "3.00");
+    for (const int count : {1, name_count})
+        bench::row(count == 1 ? "N2 find the first of them after opening" : "N3 find each of them after opening",
+                   {{"honest names", [&, count] { return honest.look_up(count); }},
+                    {"names that share a hash", [&, count] { return crafted.look_up(count); }}},
+                   rounds, "3.00");
 }
 
 /// How much dearer one operation is at the larger of two sizes, for the library and for the raw calls: caches and the
@@ -456,23 +523,15 @@ struct LargeFile {
         package.append(file, size);
     }
     std::vector<Contender> read() {
-        return {{"library, larger",
-                 [this] {
-                     vlt_file_set_pos_bof(file);
-                     return seconds_of([&] {
-                         while (vlt_file_read(file, buffer.data(), piece) > 0) {
-                         }
-                     });
-                 }},
-                {"raw, larger", [this] { return seconds_of([&] { raw_pieces(raw, size, false); }); }}};
+        return {timed("library, larger", [this] { package_read(file, buffer); }),
+                timed("raw, larger", [this] { raw_pieces(raw, size, false); })};
     }
     std::vector<Contender> read_random() {
-        return {{"library, larger", [this] { return seconds_of([&] { package.at_offsets(file, offsets, false); }); }},
-                {"raw, larger", [this] {
-                     return seconds_of([&] {
-                         for (auto o : offsets) raw.read(o, random_piece);
-                     });
-                 }}};
+        const auto raw_random = [this] {
+            for (const auto o : offsets) raw.read(o, random_piece);
+        };
+        return {timed("library, larger", [this] { package.at_offsets(file, offsets, false); }),
+                timed("raw, larger", raw_random)};
     }
     std::int64_t size;
     Package package;
@@ -487,26 +546,18 @@ struct SmallFiles {
     explicit SmallFiles(int files)
         : count(files), order(shuffled(files)), raw("f.bin", std::int64_t{files} * small_file) {}
     std::vector<Contender> write() {
-        return {{"library, larger",
-                 [this] {
-                     Package p("f.vlt", room());
-                     return seconds_of([&] { p.write_small_files(count); });
-                 }},
-                {"raw, larger", [this] {
-                     return seconds_of([&] {
-                         for (int i = 0; i < count; ++i) raw.write(std::int64_t{i} * small_file, small_file);
-                     });
-                 }}};
+        const auto library = [this] {
+            Package p("f.vlt", small_files_room(count));
+            return seconds_of([&] { p.write_small_files(count); });
+        };
+        return {{"library, larger", library}, timed("raw, larger", [this] { raw_small_files(raw, count); })};
     }
     std::vector<Contender> read(Package& p) {
-        return {{"library, larger", [this, &p] { return seconds_of([&] { p.read_small_files(order); }); }},
-                {"raw, larger", [this] {
-                     return seconds_of([&] {
-                         for (const int i : order) raw.read(std::int64_t{i} * small_file, small_file);
-                     });
-                 }}};
+        const auto raw_reads = [this] {
+            for (const int i : order) raw.read(std::int64_t{i} * small_file, small_file);
+        };
+        return {timed("library, larger", [this, &p] { p.read_small_files(order); }), timed("raw, larger", raw_reads)};
     }
-    int room() const { return count * (small_file + 1024) / 1048576 + 2; }
     int count;
     std::vector<int> order;
     Raw raw;
@@ -526,7 +577,7 @@ void growth_rows(bool quick) {
     }
     SmallFiles few(1000), many(quick ? 10000 : 100000);
     growth_row("growth of W3", few.write(), few.count, many.write(), many.count);
-    Package p("p.vlt", few.room()), q("q.vlt", many.room());
+    Package p("p.vlt", small_files_room(few.count)), q("q.vlt", small_files_room(many.count));
     p.write_small_files(few.count);
     q.write_small_files(many.count);
     growth_row("growth of R3", few.read(p), few.count, many.read(q), many.count);
@@ -570,22 +621,13 @@ void thread_row() {
                 limit, reached, reached / limit);
 }
 
-/// Memory that the process has taken, in KiB.
-long resident_kib() {
-    long pages = 0, resident = 0;
-    if (std::FILE* f = std::fopen("/proc/self/statm", "r")) {
-        if (std::fscanf(f, "%ld %ld", &pages, &resident) != 2) resident = 0;
-        std::fclose(f);
-    }
-    return resident * ::sysconf(_SC_PAGESIZE) / 1024;
-}
-
 void memory_row() {
     Package package("m.vlt", 258);
     const std::uint32_t file = package.open_file("big", VLT_MODE_WRITE);
-    const long before = resident_kib();
+    const long before = bench::resident_kib();
     package.append(file, 256 << 20);
-    std::printf("memory taken while a 256 MiB file was written: %ld KiB (goal 4096)\n", resident_kib() - before);
+    std::printf("memory taken while a 256 MiB file was written: %ld KiB (goal 4096)\n",
+                bench::resident_kib() - before);
 }
 
 }  // namespace
@@ -606,6 +648,7 @@ int main(int argc, char** argv) {
     bench::print_heading("reference");
     large_file_rows(quick ? 64 << 20 : 256 << 20, quick ? 20000 : 100000);
     small_file_rows(quick ? 2000 : 10000);
+    name_rows();
     growth_rows(quick);
     thread_row();
     fs::remove_all(folder);
