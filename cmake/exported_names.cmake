@@ -25,25 +25,26 @@ function(vlt_export_by_def target names)
     file(CONFIGURE OUTPUT ${def} CONTENT "LIBRARY vlt.dll\nEXPORTS\n    @lines@\n" @ONLY)
     target_sources(${target} PRIVATE ${def})
     set_target_properties(${target} PROPERTIES PREFIX "")
-    find_program(VLT_DLLTOOL NAMES llvm-dlltool llvm-dlltool-14)
-    if(VLT_DLLTOOL)
-        add_custom_command(OUTPUT vlt.lib DEPENDS ${def} VERBATIM
-            COMMAND ${VLT_DLLTOOL} -m i386 -d ${def} -D vlt.dll -l ${PROJECT_BINARY_DIR}/vlt.lib)
-        add_custom_target(vlt_msvc_import_library ALL DEPENDS vlt.lib)
-    endif()
+    set(machine $<IF:$<EQUAL:${CMAKE_SIZEOF_VOID_P},8>,i386:x86-64,i386>)
+    find_program(VLT_DLLTOOL NAMES llvm-dlltool llvm-dlltool-14 REQUIRED)
+    add_custom_command(OUTPUT vlt.lib DEPENDS ${def} VERBATIM
+        COMMAND ${VLT_DLLTOOL} -m ${machine} -d ${def} -D vlt.dll -l ${PROJECT_BINARY_DIR}/vlt.lib)
+    add_custom_target(vlt_msvc_import_library ALL DEPENDS vlt.lib)
 endfunction()
 
-# Elsewhere: a version script, because templates of the standard library would be visible without one.
+# Elsewhere: a version script, because templates of the standard library would be visible without one. The names bear
+# the version VLT_1, so that a later, incompatible library can be told from this one in the same process.
 function(vlt_export_by_version_script target names)
     list(JOIN names "; " lines)
     set(script ${PROJECT_BINARY_DIR}/vlt.map)
-    file(CONFIGURE OUTPUT ${script} CONTENT "{ global: @lines@; local: *; };\n" @ONLY)
+    file(CONFIGURE OUTPUT ${script} CONTENT "VLT_1 { global: @lines@; local: *; };\n" @ONLY)
     target_link_options(${target} PRIVATE LINKER:--version-script=${script} LINKER:-Bsymbolic-functions
         LINKER:--as-needed)
     if(NOT VLT_SANITIZE)  # a sanitizer's own functions come from the program
         target_link_options(${target} PRIVATE LINKER:--no-undefined)
     endif()
-    set_target_properties(${target} PROPERTIES LINK_DEPENDS ${script})
+    set_target_properties(${target} PROPERTIES
+        LINK_DEPENDS ${script} VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
 endfunction()
 
 # Makes `target` export the functions that the given headers declare.

@@ -5,7 +5,7 @@
 //     product_demo PRODUCT WORK [LARGE]
 //
 // PRODUCT is a database folder with its documents in PRODUCT/docs, LARGE another database folder. What is made goes
-// into WORK. Ends with 0 when everything came out as it should, with 1 otherwise.
+// into WORK, a new or an empty folder. Ends with 0 when everything came out as it should, with 1 otherwise.
 #include <algorithm>
 #include <chrono>
 #include <cstdint>
@@ -369,9 +369,11 @@ int main(int count, char** arguments) {
         return 2;
     }
     const fs::path work = arguments[2];
-    std::error_code error;
-    fs::remove_all(work, error);
     fs::create_directories(work);
+    if (!fs::is_empty(work)) {
+        std::fprintf(stderr, "%s is not empty, and nothing of it is overwritten\n", arguments[2]);
+        return 2;
+    }
     show_small_product(arguments[1], work);
     if (count > 3) show_large_database(arguments[3], work);
     std::printf("\n%s\n",

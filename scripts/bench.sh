@@ -17,3 +17,5 @@ say "The database"
 graph=build/demo/debian
 [ -e "$graph/kdbmain.txt" ] || graph=""
 build/bench/bench/db_bench "$@" ${graph:+"$graph"}
+say "Products"
+python3 bench/product_bench.py build/bench/bin/vlt "$@"

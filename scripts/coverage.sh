@@ -14,7 +14,7 @@ out=build/coverage
 rm -rf $out/profiles && mkdir -p $out/profiles
 export LLVM_PROFILE_FILE="$root/$out/profiles/%p-%m.profraw"
 ctest --preset coverage || warn "a test fails; the table counts what was run"
-for target in package schema table escape database; do
+for target in package inspect schema table escape database; do
     inputs=("$out/fuzz/seeds/$target")
     [ -d "build/fuzz/corpus/$target" ] && inputs+=("build/fuzz/corpus/$target")
     $out/fuzz/fuzz_$target -runs=0 "${inputs[@]}" >/dev/null 2>&1

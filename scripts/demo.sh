@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# demo.sh [folder]: packs a folder (this tree, if none is given) into a new package and takes it out again; then
+# demo.sh [folder]: packs a folder (this tree, if none is given) into a package, damages and rescues it, extracts; then
 # shows a small product database in a package, and one of real size made from the Debian packages.
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
@@ -12,8 +12,38 @@ say "Building"
 cmake --preset release -DVLT_BUILD_GATES=OFF >/dev/null
 cmake --build --preset release
 
+# Prints a command and runs it; a status of 1 tells of findings, and the tour has some.
+show() {
+    printf '\n$ %s\n' "$*"
+    "$@" || [ $? = 1 ]
+}
+
 say "Packing a folder"
-build/release/examples/pack_demo "$folder" build/demo "$root/build" "$root/.git"
+rm -rf build/demo/pack build/demo/product # of an earlier run
+mkdir -p build/demo/pack
+PATH="$root/build/release/bin:$PATH"
+pack=build/demo/pack
+show vlt create "$pack/demo.vlt"
+show vlt add -C "$folder" --exclude build --exclude .git "$pack/demo.vlt" .
+vlt ls --sort size -r -l "$pack/demo.vlt" | sed -n '1,12p'
+show vlt info "$pack/demo.vlt"
+show vlt seal "$pack/demo.vlt"
+show vlt check "$pack/demo.vlt"
+
+say "Damaging a copy in 20 places, and rescuing what can be read"
+cp "$pack/demo.vlt" "$pack/damaged.vlt"
+blocks=$(($(stat -c %s "$pack/demo.vlt") / 4096))
+for place in $(seq 20); do
+    printf 'damage' | dd of="$pack/damaged.vlt" bs=1 conv=notrunc status=none \
+        seek=$((place * (blocks / 21) * 4096 + 100))
+done
+show vlt check "$pack/damaged.vlt"
+show vlt salvage "$pack/damaged.vlt" "$pack/rescued.vlt"
+show vlt diff --ignore-times "$pack/demo.vlt" "$pack/rescued.vlt"
+
+say "Extracting, and comparing with the folder"
+show vlt extract "$pack/demo.vlt" -C "$pack/extracted" --native-names
+show vlt diff "$pack/demo.vlt" "$pack/extracted"
 
 say "A product database"
 large=()
@@ -23,4 +53,11 @@ if command -v apt-cache >/dev/null && mkdir -p build/demo &&
 else
     say "There is no Debian package index here: the database of real size is left out"
 fi
+show vlt bom tree examples/bicycle WH-200
+show vlt bom flat examples/bicycle --leaves
+show vlt bom where-used examples/bicycle CM-900 --all
+rm -f build/demo/bicycle.html build/demo/debian.html # of an earlier run
+show vlt bom html examples/bicycle -o build/demo/bicycle.html --title "City bicycle"
+[ ${#large[@]} = 0 ] || show vlt bom html "${large[0]}" -o build/demo/debian.html --title "Debian packages"
 build/release/examples/product_demo examples/bicycle build/demo/product "${large[@]}"
+say "The product as a page: build/demo/bicycle.html${large:+, and build/demo/debian.html with 64,000 items}"

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # SPDX-License-Identifier: MIT
-# fuzz.sh [seconds [target ...]]: runs the fuzz targets (package, schema, table, escape, database) for that long each,
+# fuzz.sh [seconds [target ...]]: runs the fuzz targets (package, inspect, schema, table, escape, database) for that long each,
 # 20 seconds if nothing is given, from a fixed seed. Inputs that reach something new are kept in build/fuzz/corpus and
 # begin the next run; an input that breaks a property is kept in build/fuzz/findings, and the script ends non-zero.
 # To run one input again: build/fuzz/fuzz/fuzz_TARGET FILE
@@ -9,7 +9,7 @@ source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 cd "$root"
 seconds="${1:-20}"
 targets=("${@:2}")
-[ ${#targets[@]} -gt 0 ] || targets=(package schema table escape database)
+[ ${#targets[@]} -gt 0 ] || targets=(package inspect schema table escape database)
 
 need_build_tools && need_clang
 cmake --preset fuzz >/dev/null
@@ -18,7 +18,7 @@ cmake --build --preset fuzz
 # Short inputs where the work grows faster than they do.
 longest() {
     case "$1" in
-        table | package) echo 1024 ;;
+        table | package | inspect) echo 1024 ;;
         *) echo 8192 ;;
     esac
 }

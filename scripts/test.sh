@@ -5,7 +5,7 @@ set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"
 cd "$root"
 
-need_test_tools
+need_test_tools && need_languages && need_browser && need abidiff=abigail-tools
 for preset in test tsan release; do
     say "$preset"
     cmake --workflow --preset "$preset"

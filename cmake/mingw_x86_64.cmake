@@ -1,0 +1,4 @@
+# SPDX-License-Identifier: MIT
+# 64-bit Windows.
+set(CMAKE_SYSTEM_PROCESSOR x86_64)
+include(${CMAKE_CURRENT_LIST_DIR}/mingw_common.cmake)

@@ -1,0 +1,16 @@
+# SPDX-License-Identifier: MIT
+# Removes what `cmake --install` has put down, as its lists in BUILD_DIR tell; nothing else.
+file(GLOB lists ${BUILD_DIR}/install_manifest*.txt)
+if(NOT lists)
+    message(FATAL_ERROR "Nothing was installed from ${BUILD_DIR}")
+endif()
+foreach(list IN LISTS lists)
+    file(STRINGS ${list} files)
+    foreach(file IN LISTS files)
+        if(EXISTS "$ENV{DESTDIR}${file}" OR IS_SYMLINK "$ENV{DESTDIR}${file}")
+            message(STATUS "Removing: $ENV{DESTDIR}${file}")
+            file(REMOVE "$ENV{DESTDIR}${file}")
+        endif()
+    endforeach()
+    file(REMOVE ${list})
+endforeach()

@@ -1,0 +1,17 @@
+# SPDX-License-Identifier: MIT
+# Gives a Windows program or DLL the version that Explorer shows; elsewhere does nothing.
+function(vlt_version_resource target file_name description)
+    if(WIN32)
+        enable_language(RC)
+        get_target_property(type ${target} TYPE)
+        set(FILE_NAME ${file_name})
+        set(DESCRIPTION ${description})
+        string(REPLACE "." "," VERSION_NUMBERS ${PROJECT_VERSION},0)
+        set(FILE_TYPE VFT_DLL)
+        if(type STREQUAL "EXECUTABLE")
+            set(FILE_TYPE VFT_APP)
+        endif()
+        configure_file(${PROJECT_SOURCE_DIR}/cmake/version.rc.in ${PROJECT_BINARY_DIR}/${file_name}.rc @ONLY)
+        target_sources(${target} PRIVATE ${PROJECT_BINARY_DIR}/${file_name}.rc)
+    endif()
+endfunction()
