@@ -237,8 +237,8 @@ void add_flat_verb(Program& program, Verb group) {
 void add_sum_verb(Program& program, Verb group) {
     auto options = std::make_shared<SumOptions>();
     Verb verb = group.add_verb("sum", "a numeric field of items, added up for every assembly",
-                               "vlt bom sum examples/bicycle --field WEIGHT\n"
-                               "vlt bom sum product.vlt WH-200 --field PRICE --override");
+                               "vlt bom sum examples/bicycle --field WEIGHT --override\n"
+                               "vlt bom sum product.vlt WH-200 --field PRICE");
     options->product.declare(verb, ProductOptions::CodeIs::optional);
     verb.add_option("--field", options->field, "the field of BITM that is added up").required();
     verb.add_flag("--override", options->override_sums, "a value of an assembly's own counts instead of its sum");

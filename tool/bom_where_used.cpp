@@ -14,16 +14,18 @@ namespace {
 struct WhereUsedOptions {
     ProductOptions product;
     bool all = false;
+    std::int32_t limit = -1;
 };
 
 class UsePrinter {
 public:
-    UsePrinter(const Items& items, bom::Item item, Output& out, bool json)
-        : items_(items), item_(item), out_(out), json_(json) {}
+    UsePrinter(const Items& items, bom::Item item, const WhereUsedOptions& options, Output& out)
+        : items_(items), item_(item), out_(out), json_(options.product.json), limit_(options.limit) {}
 
     void print_direct() {
         if (!json_) out_.line(out_.coloured("quantity  code  name", Colour::bold));
         for (const bom::Line line : items_.graph().parents(item_)) {
+            if (!take()) return;
             const bom::Item parent = items_.graph().parent(line);
             const std::string label = parent == bom::kNone ? "(no such item)" : items_.label(parent);
             if (json_) {
@@ -40,7 +42,7 @@ public:
         bom::UpWalk walk(items_.graph(), item_);
         bool all_end = true;
         try {
-            while (walk.next()) {
+            while (walk.next() && take()) {
                 check_interrupt();
                 print_path(walk);
                 all_end = all_end && !walk.is_cycle() && !walk.is_dangling();
@@ -52,7 +54,25 @@ public:
         return all_end;
     }
 
+    /// Tells whether the limit left anything out; returns whether it did.
+    bool report_cut() {
+        if (!is_cut_) return false;
+        if (json_) {
+            out_.json({{"cut", true}, {"shown", shown_}});
+        } else {
+            warn(items_.database().name() + ": the first " + std::to_string(shown_) + " are shown; there are more");
+        }
+        return true;
+    }
+
 private:
+    /// Whether the limit lets one more be shown.
+    bool take() {
+        is_cut_ = shown_ == limit_;
+        if (!is_cut_) ++shown_;
+        return !is_cut_;
+    }
+
     void print_path(const bom::UpWalk& walk) {
         const std::vector<std::string> labels = path(walk);
         if (json_) {
@@ -99,6 +119,8 @@ private:
     bom::Item item_;
     Output& out_;
     bool json_;
+    std::int32_t limit_, shown_ = 0;
+    bool is_cut_ = false;
     std::string line_;
 };
 
@@ -106,10 +128,13 @@ int print_uses(Program& program, const WhereUsedOptions& options) {
     const Database db(options.product.database, Access::read);
     const Items items(db);
     const bom::Item item = items.find(options.product.code);
-    UsePrinter printer(items, item, program.out(), options.product.json);
-    if (options.all) return printer.print_paths() ? kDone : kFindings;
-    printer.print_direct();
-    return kDone;
+    UsePrinter printer(items, item, options, program.out());
+    bool complete = true;
+    if (options.all)
+        complete = printer.print_paths();
+    else
+        printer.print_direct();
+    return printer.report_cut() || !complete ? kFindings : kDone;
 }
 
 }  // namespace
@@ -118,9 +143,13 @@ void add_where_used_verb(Program& program, Verb group) {
     auto options = std::make_shared<WhereUsedOptions>();
     Verb verb = group.add_verb("where-used", "what an item goes into",
                                "vlt bom where-used product.vlt CM-900\n"
-                               "vlt bom where-used examples/bicycle CM-900 --all");
+                               "vlt bom where-used examples/bicycle CM-900 --all --limit 1000");
     options->product.declare(verb, ProductOptions::CodeIs::required);
-    verb.add_flag("--all", options->all, "every path from an item without a parent down to the item");
+    verb.add_flag("--all", options->all,
+                  "every path from an item without a parent down to the item; where assemblies share parts on many "
+                  "levels, there may be more than can be listed");
+    verb.add_option("--limit", options->limit, "show so many at most, tell if there are more, and end with status 1")
+        .non_negative();
     program.on_run(verb, options, print_uses);
 }
 

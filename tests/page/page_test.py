@@ -38,7 +38,7 @@ def test_tree(browser, vlt, bicycle):
     assert len(browser.texts('#tree .row')) == closed
     tree.send_keys(Keys.HOME)
     assert browser.one('#panel h2').text == 'BK-700'
-    assert browser.texts('#chart .row')
+    assert browser.texts('#chart .row')[0].startswith('FR-100'), 'by weight, the heaviest first'
 
 
 def test_search_and_where_used(browser, vlt, bicycle):
