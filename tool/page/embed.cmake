@@ -1,6 +1,7 @@
 # SPDX-License-Identifier: MIT
 # Writes the source that holds the page: cmake -DFOLDER=… -DOUTPUT=… -P embed.cmake
 file(READ ${FOLDER}/page.html markup)
+string(REGEX REPLACE "^<!--[^\n]*\n" "" markup "${markup}") # it would speak of the data in the page
 file(READ ${FOLDER}/page.css style)
 set(script "")
 foreach(name IN ITEMS decimal product list tree documents panel main)
