@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "bom/cycles.h"
+#include "bom/index.h"
 #include "bom/product.h"
 #include "bom/text.h"
 
@@ -176,18 +177,18 @@ private:
     /// Records whose value an earlier one has, and the first that has it, from an index, where equal values stand
     /// side by side.
     std::vector<std::pair<std::int32_t, std::int32_t>> equal_values(int table, std::int32_t field) const {
-        const std::int32_t* sorted = KOfflineTable_GetIndexRecs(&db_->tables[table], field);
-        const std::int32_t count = sorted ? records(table) : 0;
+        const std::span<const std::int32_t> sorted = sorted_records(&db_->tables[table], field);
         std::vector<std::pair<std::int32_t, std::int32_t>> equal;
-        const char* next = count > 0 ? value(table, sorted[0], field) : "";
-        for (std::int32_t begin = 0, end = 0; begin < count; begin = end) {
+        const char* next = sorted.empty() ? "" : value(table, sorted[0], field);
+        for (std::size_t begin = 0, end = 0; begin < sorted.size(); begin = end) {
             const char* key = next;
-            while (++end < count && compare_folded(key, next = value(table, sorted[end], field)) == 0) {
+            while (++end < sorted.size() && compare_folded(key, next = value(table, sorted[end], field)) == 0) {
             }
             if (end - begin == 1 || !*key) continue;
-            const std::int32_t first = *std::min_element(sorted + begin, sorted + end);
-            for (std::int32_t i = begin; i < end; ++i) {
-                if (sorted[i] != first) equal.emplace_back(sorted[i], first);
+            const auto run = sorted.subspan(begin, end - begin);
+            const std::int32_t first = *std::min_element(run.begin(), run.end());
+            for (const std::int32_t rec : run) {
+                if (rec != first) equal.emplace_back(rec, first);
             }
         }
         std::sort(equal.begin(), equal.end());

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <utility>
 
+#include "bom/index.h"
 #include "bom/text.h"
 
 namespace bom {
@@ -32,9 +33,8 @@ public:
         : table_(KOfflineDb_GetTable_BITM(side.db)),
           field_(by == MatchBy::kCode ? KOfflineDb_GetFld_BITM_CCODE(side.db) : KOfflineDb_GetFld_BITM_NID(side.db)) {
         items_.reserve(at(side.graph->items()));
-        const std::int32_t* sorted = KOfflineTable_GetIndexRecs(table_, field_);
-        for (Item i = 0; sorted && i < side.graph->items(); ++i) {
-            if (side.holds(sorted[i])) items_.push_back(sorted[i]);
+        for (const Item item : sorted_records(table_, field_)) {
+            if (side.holds(item)) items_.push_back(item);
         }
     }
 
