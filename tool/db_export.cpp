@@ -7,6 +7,7 @@
 #include "exchange/text.h"
 #include "tool/database_copy.h"
 #include "tool/db_verbs.h"
+#include "tool/new_file.h"
 #include "tool/progress.h"
 #include "tool/scratch.h"
 
@@ -66,13 +67,18 @@ private:
 template <typename Work>
 void write_text(Program& program, const std::string& path, bool force, Watch& watch, Work work) {
     std::optional<NewFile> file;
-    if (path != "-") file.emplace(path_of(path), force);
+    if (path != "-") {
+        if (!force) check_free(path_of(path));
+        file.emplace(folder_of(path_of(path)));
+    }
     exchange::Output output([&](std::string_view text) {
         watch(text);
-        file ? file->write(text) : program.out().bytes(text);
+        file ? file->file().write(text.data(), text.size()) : program.out().bytes(text);
     });
     work(output);
-    if (file) file->commit();
+    if (!file) return;
+    file->file().close();
+    file->move_to(path_of(path), force);
 }
 
 void write_csv(KOfflineDb* db, const ExportOptions& options, Watch& watch) {

@@ -76,17 +76,6 @@ void write_file(const fs::path& path, std::string_view bytes) {
     file.close();
 }
 
-NewFile::NewFile(const fs::path& path, bool replace)
-    : path_(path),
-      replace_(replace),
-      scratch_((replace ? void() : check_free(path), folder_of(path))),
-      file_(HostFile::create_new(scratch_ / "new")) {}
-
-void NewFile::commit() {
-    file_.close();
-    move_file(scratch_ / "new", path_, replace_);
-}
-
 void check_free(const fs::path& path) {
     if (file_status(path).kind != FileStatus::Kind::missing)
         throw Failure(text_of(path), "exists already; give -f to replace it");

@@ -38,22 +38,6 @@ std::string whole_file(const std::string& path);
 
 void write_file(const fs::path& path, std::string_view bytes);
 
-/// A file that is written beside its place and put there by `commit`.
-class NewFile {
-public:
-    /// Fails with `Failure` when something stands there, unless `replace`.
-    NewFile(const fs::path& path, bool replace);
-
-    void write(std::string_view bytes) { file_.write(bytes.data(), bytes.size()); }
-    void commit();
-
-private:
-    fs::path path_;
-    bool replace_;
-    ScratchFolder scratch_;
-    HostFile file_;
-};
-
 /// Fails with `Failure` when something stands there.
 void check_free(const fs::path& path);
 
