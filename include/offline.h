@@ -83,7 +83,7 @@ typedef struct KOfflineTable {
     KOfflineRecord** records; /* null until the first record is added */
     int32_t record_capacity;  /* slots in `records` */
     int32_t record_count;     /* number of records */
-    int32_t nid_watermark;    /* base of the next NID that is given out; -1: not yet known */
+    int32_t nid_watermark;    /* base of the NID given out last, which is one higher; -1: none yet */
 } KOfflineTable;
 
 /* One database. */

@@ -10,32 +10,32 @@ namespace vlt {
 // ---- Contested blocks --------------------------------------------------------------------------------------------
 
 void ContestedBlocks::settle(std::int32_t existing) {
-    std::sort(named_.begin(), named_.end(), [](const Named& a, const Named& b) { return a.block < b.block; });
+    std::sort(linked_.begin(), linked_.end(), [](const Linked& a, const Linked& b) { return a.block < b.block; });
     std::size_t count = 0;
-    for (const Named& named : named_) {
-        if (count > 0 && named_[count - 1].block == named.block)
-            ++named_[count - 1].names;
+    for (const Linked& linked : linked_) {
+        if (count > 0 && linked_[count - 1].block == linked.block)
+            ++linked_[count - 1].links;
         else
-            named_[count++] = {named.block, named.block < existing ? 2 : 1};
+            linked_[count++] = {linked.block, linked.block < existing ? 2 : 1};
     }
-    named_.shrink(count);
+    linked_.shrink(count);
 }
 
-const ContestedBlocks::Named* ContestedBlocks::find(std::int32_t block) const {
-    const Named* found = std::lower_bound(named_.begin(), named_.end(), block,
-                                          [](const Named& named, std::int32_t b) { return named.block < b; });
-    return found != named_.end() && found->block == block ? found : nullptr;
+const ContestedBlocks::Linked* ContestedBlocks::find(std::int32_t block) const {
+    const Linked* found = std::lower_bound(linked_.begin(), linked_.end(), block,
+                                           [](const Linked& linked, std::int32_t b) { return linked.block < b; });
+    return found != linked_.end() && found->block == block ? found : nullptr;
 }
 
-std::int32_t ContestedBlocks::names_of(std::int32_t block) const {
-    const Named* named = find(block);
-    return named ? named->names : 0;
+std::int32_t ContestedBlocks::links_to(std::int32_t block) const {
+    const Linked* linked = find(block);
+    return linked ? linked->links : 0;
 }
 
-bool ContestedBlocks::lose_name_of_contested(std::int32_t block) {
-    const Named* named = find(block);
-    if (!named || named->names == 0) return true;
-    return --named_[static_cast<std::size_t>(named - named_.begin())].names == 0;
+bool ContestedBlocks::lose_link_to_contested(std::int32_t block) {
+    const Linked* linked = find(block);
+    if (!linked || linked->links == 0) return true;
+    return --linked_[static_cast<std::size_t>(linked - linked_.begin())].links == 0;
 }
 
 // ---- The search --------------------------------------------------------------------------------------------------
@@ -129,12 +129,12 @@ private:
 
 }  // namespace
 
-bool count_blocks(Store& store) {
-    if (store.blocks.counted) return true;
+bool search_blocks(Store& store) {
+    if (store.blocks.searched) return true;
     store.blocks.free.clear();  // what a search that ran out of memory left
     store.blocks.contested.clear();
-    store.blocks.counted = Search(store).run();
-    return store.blocks.counted;
+    store.blocks.searched = Search(store).run();
+    return store.blocks.searched;
 }
 
 bool reserve_blocks(Store& store, std::int32_t limit) {

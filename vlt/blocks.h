@@ -17,48 +17,48 @@ namespace vlt {
 struct Store;
 
 /// Blocks of a damaged package that chains lead to more than once, or that a chain leads to though they do not exist,
-/// with how often they are named. None in a sound package.
+/// with how many links lead there: from an entry, or from the block before. None in a sound package.
 class ContestedBlocks {
 public:
-    /// Whether anybody names the block; false also for one that is not contested.
-    bool contains(std::int32_t block) const { return !named_.empty() && names_of(block) > 0; }
+    /// Whether a link leads to the block still; false also for one that is not contested.
+    bool contains(std::int32_t block) const { return !linked_.empty() && links_to(block) > 0; }
 
-    /// Whether more than one name leads to the block.
-    bool shared(std::int32_t block) const { return !named_.empty() && names_of(block) > 1; }
+    /// Whether more than one link leads to the block.
+    bool shared(std::int32_t block) const { return !linked_.empty() && links_to(block) > 1; }
 
-    /// Takes one name from a block. True when nobody else names it; so it is with a block that is not contested.
-    bool lose_name(std::int32_t block) { return named_.empty() || lose_name_of_contested(block); }
+    /// Takes one link to a block away. True when no other is left; so it is with a block that is not contested.
+    bool lose_link(std::int32_t block) { return linked_.empty() || lose_link_to_contested(block); }
 
     // While the package is searched for them:
 
-    /// Notes a name of a block: each one that does not exist, each but the first of one that does. False when memory
+    /// Notes a link to a block: each one where it does not exist, each but the first where it does. False when memory
     /// runs out.
-    [[nodiscard]] bool note(std::int32_t block) { return named_.push_back({block, 1}); }
+    [[nodiscard]] bool note(std::int32_t block) { return linked_.push_back({block, 1}); }
     /// Ends the search. Blocks below `existing` exist.
     void settle(std::int32_t existing);
 
-    void clear() { named_.clear(); }
+    void clear() { linked_.clear(); }
 
 private:
-    struct Named {
+    struct Linked {
         std::int32_t block;
-        std::int32_t names;
+        std::int32_t links;
     };
-    bool lose_name_of_contested(std::int32_t block);
-    const Named* find(std::int32_t block) const;
-    std::int32_t names_of(std::int32_t block) const;
+    bool lose_link_to_contested(std::int32_t block);
+    const Linked* find(std::int32_t block) const;
+    std::int32_t links_to(std::int32_t block) const;
 
-    Array<Named> named_;  // each block once, in their order
+    Array<Linked> linked_;  // each block once, in their order
 };
 
 struct Blocks {
-    bool counted = false;       // the package has been searched; until then the rest is empty
+    bool searched = false;      // until then the rest is empty
     IndexSet free;              // blocks that may be given away
-    ContestedBlocks contested;  // blocks that are named more often than they should be
+    ContestedBlocks contested;  // blocks that more links lead to than should
 };
 
 /// Searches the package for its free blocks once. False when memory runs out.
-bool count_blocks(Store& store);
+bool search_blocks(Store& store);
 
 /// Makes room among the free blocks for every block below `limit`; false when memory runs out.
 [[nodiscard]] bool reserve_blocks(Store& store, std::int32_t limit);

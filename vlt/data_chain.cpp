@@ -50,7 +50,7 @@ bool ChainExtension::drop_end(std::int32_t stored) {
 }
 
 bool ChainExtension::reserve(std::int32_t stored, std::int32_t count, bool appends) {
-    if (!count_blocks(store_) || !drop_end(stored)) return false;
+    if (!search_blocks(store_) || !drop_end(stored)) return false;
     old_length_ = chain_.length();
     before_ = old_length_ > 0 ? chain_.last_block() : -1;
     old_word_ = before_ >= 0 ? store_.images.word(before_) : 0;
@@ -100,7 +100,7 @@ bool ChainExtension::commit(std::int64_t end) {
     }
     old_length_ = -1;
     if (dropped_ >= 0) {
-        store_.blocks.contested.lose_name(dropped_);
+        store_.blocks.contested.lose_link(dropped_);
         store_.open_files.forget_chains_but(chain_);  // on a damaged package another one may follow the link cut here
     }
     return true;
@@ -112,7 +112,7 @@ bool release_chain(Store& store, std::uint32_t first_block) {
     std::int32_t block = index_of(first_block);
     // The question takes the name away that led to the block, and is asked once for each.
     const auto is_released = [&](std::int32_t b) {
-        return store.may_hold_data(b) && is_used(store.images.word(b)) && store.blocks.contested.lose_name(b);
+        return store.may_hold_data(b) && is_used(store.images.word(b)) && store.blocks.contested.lose_link(b);
     };
     std::uint32_t words[VLT_BLOCK_SIZE / 4];  // for a host file that fails
     for (bool more = is_released(block); more;) {

@@ -7,7 +7,7 @@
 namespace vlt {
 
 bool vlt_dir_extend(Store& store) {
-    if (!count_blocks(store)) return false;
+    if (!search_blocks(store)) return false;
     const std::int32_t old_count = store.host.block_count();
     if (store.blocks.free.count() == 0 && !vlt_package_grow(store, 1)) return false;
     const std::int32_t block = store.blocks.free.lowest();

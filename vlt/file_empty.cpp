@@ -10,7 +10,7 @@ bool vlt_file_empty(Store& store, std::int32_t index) {
     vlt_dir_entry entry = store.images.entry(index);
     const std::uint32_t first_block = entry.first_block();
     // What needs memory comes first: once the entry is written, nothing else could find the blocks.
-    if (first_block != 0 && !count_blocks(store)) return false;
+    if (first_block != 0 && !search_blocks(store)) return false;
     const double now = store.clock.stamp_now();
     entry.set_size(0);
     entry.set_first_block(0);

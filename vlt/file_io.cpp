@@ -14,7 +14,7 @@ namespace {
 // ---- Reading and writing, with the package held ------------------------------------------------------------------
 
 /// The chain of an open file, ready for use; null when the file owns no usable block.
-Chain* data_chain(Store& store, std::int32_t index) {
+Chain* begun_chain(Store& store, std::int32_t index) {
     Chain& chain = store.open_files.find(index)->chain;
     return begin_chain(store, chain, store.images.entry(index).first_block()) ? &chain : nullptr;
 }
@@ -42,7 +42,7 @@ std::int32_t read(Store& store, vlt_file& file, void* buffer, std::int32_t lengt
     if (!stamp_read(store, index, stamp_in_memory)) return 0;
     if (file.position < 0 || file.position >= size) return 0;
     const auto count = static_cast<std::int32_t>(std::min<std::int64_t>(length, size - file.position));
-    Chain* chain = data_chain(store, index);
+    Chain* chain = begun_chain(store, index);
     if (!chain || !vlt_chain_read(store, *chain, file.position, buffer, count)) return 0;
     file.position += count;
     return count;

@@ -73,7 +73,7 @@ bool read_magic(Store& store) {
 }  // namespace
 
 bool vlt_header_load(Store& store) {
-    if (!store.host.count_blocks() || store.host.block_count() < 2 || !read_magic(store)) return false;
+    if (!store.host.measure() || store.host.block_count() < 2 || !read_magic(store)) return false;
     if (!store.images.own_blocks.set_limit(store.host.block_count())) return false;
     return claim(store, store.images.header, VLT_HEADER_START) &&
            claim(store, store.images.directory, VLT_DIRECTORY_START) && load_header(store) && load_directory(store) &&

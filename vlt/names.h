@@ -17,6 +17,7 @@ enum class EntryState : std::uint8_t {
     writing_failed,  // unknown, as when the entry of a new file could not be written
 };
 
+/// What is known of the entries besides their bytes.
 struct Names {
     explicit Names(Images& images) : index(images) {}
 

@@ -52,7 +52,7 @@ std::int32_t blocks_to_append(const Store& store, std::int32_t wanted) {
 }  // namespace
 
 bool vlt_package_grow(Store& store, std::int32_t wanted) {
-    if (!count_blocks(store)) return false;
+    if (!search_blocks(store)) return false;
     bool all_at_once = true;  // where not all of them fit, as many as do become free, one growth after the other
     for (;;) {
         const std::int32_t missing = wanted - store.blocks.free.count();

@@ -18,7 +18,7 @@ bool PackageHost::open(const char* path, bool read_only, std::int64_t base_offse
     return fd_ >= 0;
 }
 
-bool PackageHost::count_blocks() {
+bool PackageHost::measure() {
     std::int64_t length = 0;
     if (!host_size(fd_, &length)) return false;
     const std::int64_t blocks = std::max<std::int64_t>(length - base_offset_, 0) / VLT_BLOCK_SIZE;

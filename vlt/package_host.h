@@ -20,7 +20,7 @@ public:
     bool open(const char* path, bool read_only, std::int64_t base_offset);
 
     /// Asks the host for its length and counts the blocks. False when that fails.
-    bool count_blocks();
+    bool measure();
 
     /// Transfers bytes from the block at an index on, `inside` bytes into it; whole, or false.
     bool read(std::int32_t block, std::int32_t inside, void* buffer, std::size_t length) const;

@@ -59,22 +59,17 @@ bool vlt_credentials_check(vlt_package& slot, Store& store, const OpenRequest& r
     return credential_matches(store, VLT_READ_CREDENTIAL_OFFSET, request.read_credential);
 }
 
-/// Whether one of the openings of a package is exclusive.
-bool vlt_group_exclusive(std::int32_t base_slot) {
-    for (std::int32_t i = 0; i < vlt_package_table.count(); ++i) {
-        const vlt_package& slot = vlt_package_table[i];
-        const bool of_group = i == base_slot || slot.base_slot == base_slot + 1;
-        if (!slot.free() && of_group && slot.exclusive) return true;
-    }
-    return false;
+/// Whether the package is open exclusively; then its base is the only slot that has it open.
+bool vlt_group_exclusive(const vlt_package& base) {
+    return base.exclusive != 0;
 }
 
-OpenFailure open_shared(vlt_package& slot, std::int32_t base_slot, const OpenRequest& request) {
-    const vlt_package& base = vlt_package_table[base_slot];
-    if (vlt_group_exclusive(base_slot)) return OpenFailure::access;
+OpenFailure open_shared(vlt_package& slot, std::int32_t base_index, const OpenRequest& request) {
+    const vlt_package& base = vlt_package_table[base_index];
+    if (vlt_group_exclusive(base)) return OpenFailure::access;
     if (base.store->host.read_only() && request.read_only == 0) return OpenFailure::access;
     vlt_package made{};
-    made.base_slot = base_slot + 1;
+    made.base_slot = base_index + 1;
     made.read_only = request.read_only;
     if (!vlt_credentials_check(made, *base.store, request)) return OpenFailure::credentials;
     SlotParts parts(request.path);
@@ -119,11 +114,11 @@ OpenFailure open_package(const OpenRequest& request, std::int32_t* handle) {
     const bool valid = request.path && *request.path && request.base_offset >= 0 &&
                        (request.read_only == 0 || request.read_only == 1);
     if (!valid) return OpenFailure::argument;
-    std::int32_t free_slot = 0, base_slot = 0;
-    if (!vlt_slot_find(request.path, &free_slot, &base_slot)) return OpenFailure::no_file;
+    std::int32_t free_slot = 0, base_index = 0;
+    if (!vlt_slot_find(request.path, &free_slot, &base_index)) return OpenFailure::no_file;
     vlt_package& slot = vlt_package_table[free_slot];
     *handle = free_slot + 1;
-    return base_slot >= 0 ? open_shared(slot, base_slot, request) : open_first(slot, request);
+    return base_index >= 0 ? open_shared(slot, base_index, request) : open_first(slot, request);
 }
 
 }  // namespace

@@ -37,15 +37,15 @@ vlt_package& base_of(vlt_package& slot) {
     return slot.base_slot > 0 ? vlt_package_table[slot.base_slot - 1] : slot;
 }
 
-bool vlt_slot_find(const char* path, std::int32_t* free_slot, std::int32_t* base_slot) {
-    *free_slot = *base_slot = -1;
+bool vlt_slot_find(const char* path, std::int32_t* free_slot, std::int32_t* base_index) {
+    *free_slot = *base_index = -1;
     const std::int32_t count = vlt_package_table.count();
     for (std::int32_t i = 0; i < count; ++i) {
         const vlt_package& slot = vlt_package_table[i];
         if (slot.free()) {
             if (*free_slot < 0) *free_slot = i;
-        } else if (*base_slot < 0 && slot.base_slot == 0 && equals_fold(slot.path, path)) {
-            *base_slot = i;
+        } else if (*base_index < 0 && slot.base_slot == 0 && equals_fold(slot.path, path)) {
+            *base_index = i;
         }
     }
     if (*free_slot >= 0) return true;

@@ -17,8 +17,8 @@ inline constexpr std::int32_t VLT_TABLE_STEP = 64;
 
 struct vlt_package {
     std::int32_t read_only;  // access through this handle: 0 read/write, 1 read-only
-    std::uint8_t exclusive;  // no further opening is allowed (base slots only)
-    std::int32_t base_slot;  // 0 in a base slot; in a shared slot the handle of its base
+    std::uint8_t exclusive;  // no further opening is allowed; base slots only: beside others a handle never is
+    std::int32_t base_slot;  // 0 in a base slot; in a shared slot the handle, not the index, of its base
     Store* store;            // the package (base slots only)
     FileTable* files;        // this handle's open files
     char* path;              // as passed to the open call; null in a free slot
@@ -52,8 +52,8 @@ vlt_package* package_at(std::int32_t handle);
 /// The base slot that a slot leans on: itself, or that of the handle in `base_slot`.
 vlt_package& base_of(vlt_package& slot);
 
-/// Finds the first free slot, growing the table when there is none, and the base slot that has the path open, -1 for
-/// none. False when memory runs out.
-bool vlt_slot_find(const char* path, std::int32_t* free_slot, std::int32_t* base_slot);
+/// Finds the first free slot, growing the table when there is none, and the base slot that has the path open, both as
+/// indexes, -1 for none. False when memory runs out.
+bool vlt_slot_find(const char* path, std::int32_t* free_slot, std::int32_t* base_index);
 
 }  // namespace vlt

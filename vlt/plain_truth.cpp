@@ -59,7 +59,7 @@ void check_store(Store& store) {
     if (store.host.block_count() > 16384) return;  // small packages meet every case, and large ones would take hours
     check_own_chain(store, store.images.header.chain, VLT_HEADER_START);
     check_own_chain(store, store.images.directory.chain, VLT_DIRECTORY_START);
-    if (store.blocks.counted) check_free_blocks(store);
+    if (store.blocks.searched) check_free_blocks(store);
     for (std::int32_t i = 0; i < store.images.vlt_dir_count(); ++i) {
         const vlt_dir_entry entry = store.images.entry(i);
         if (store.names.entries_counted) check_truth(store.names.free_entries.contains(i) == !entry.in_use());

@@ -5,8 +5,8 @@
 #include <cstring>
 
 #include "offline/tables/caller_changes.h"
-#include "offline/tables/index_build.h"
 #include "offline/tables/index_insert.h"
+#include "offline/tables/index_sort.h"
 #include "offline/tables/plain_truth.h"
 #include "offline/tables/search_aid.h"
 

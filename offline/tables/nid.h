@@ -1,8 +1,9 @@
 // SPDX-License-Identifier: MIT
 // Node identifiers: the decimal number in the field named "NID", and the numbering of records that bring none.
 //
-// The table's `nid_watermark` is the base of the next automatic NID, -1 until it is needed. It only ever grows, so an
-// automatic NID repeats neither one that was there when numbering began nor one given out since.
+// The table's `nid_watermark` is the base that was asked for last, -1 until one is needed. The next base is one
+// higher, and an automatic NID is one higher than its base. The watermark only ever grows, so an automatic NID
+// repeats neither one that was there when numbering began nor one given out since.
 #pragma once
 
 #include <cstdint>

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
+#include "offline/tables/array_sort.h"
 #include "offline/tables/rank_extremes.h"
-#include "offline/tables/sort.h"
 
 namespace vlt {
 

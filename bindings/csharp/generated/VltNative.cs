@@ -1019,7 +1019,7 @@ namespace VltNative
         public Pointer records; // null until the first record is added
         public int record_capacity; // slots in `records`
         public int record_count; // number of records
-        public int nid_watermark; // base of the next NID that is given out; -1: not yet known
+        public int nid_watermark; // base of the NID given out last, which is one higher; -1: none yet
     }
 
     /// <summary>One database.</summary>

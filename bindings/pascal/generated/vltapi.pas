@@ -83,7 +83,7 @@ type
     records: PPKOfflineRecord; // null until the first record is added
     record_capacity: Integer; // slots in `records`
     record_count: Integer; // number of records
-    nid_watermark: Integer; // base of the next NID that is given out; -1: not yet known
+    nid_watermark: Integer; // base of the NID given out last, which is one higher; -1: none yet
   end;
 
   // One database.

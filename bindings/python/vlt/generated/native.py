@@ -78,7 +78,7 @@ KOfflineTable._fields_ = [
     ("records", POINTER(POINTER(KOfflineRecord))),  # null until the first record is added
     ("record_capacity", c_int32),  # slots in `records`
     ("record_count", c_int32),  # number of records
-    ("nid_watermark", c_int32),  # base of the next NID that is given out; -1: not yet known
+    ("nid_watermark", c_int32),  # base of the NID given out last, which is one higher; -1: none yet
 ]
 
 

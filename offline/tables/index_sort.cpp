@@ -1,14 +1,14 @@
 // SPDX-License-Identifier: MIT
-#include "offline/tables/index_build.h"
+#include "offline/tables/index_sort.h"
 
 #include <cstring>
 #include <numeric>
 
 #include "base/ascii_case.h"
 #include "base/heap.h"
+#include "offline/tables/array_sort.h"
 #include "offline/tables/key_sort.h"
 #include "offline/tables/rank_sort.h"
-#include "offline/tables/sort.h"
 
 namespace vlt {
 
