@@ -142,8 +142,10 @@ namespace VltNative
         ///   truncate   not 0: the file is emptied; VLT_MODE_WRITE only
         ///   error      null, or receives a VLT_FILE_ code: VLT_FILE_OK, or why the open failed
         /// Returns a file handle, or 0. It is closed with vlt_file_close, or together with its package handle. A package
-        /// handle holds up to 65535 open files. When a truncation fails (VLT_FILE_NO_SLOT), the file is empty for this
-        /// session, and for good once its entry has been written: by any later change of the file that succeeds.
+        /// handle holds up to 65535 open files. When the host file fails while the entry of a truncated file
+        /// (VLT_FILE_NO_SLOT) or of a new one (VLT_FILE_NOT_FOUND) is written, that file is empty for this session, and for
+        /// good once its entry has been written: by any later change of the file that succeeds. An open that fails for want of
+        /// memory makes and empties nothing.
         /// </summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true,
             BestFitMapping = false, ThrowOnUnmappableChar = true)]
@@ -158,8 +160,10 @@ namespace VltNative
         ///   truncate   not 0: the file is emptied; VLT_MODE_WRITE only
         ///   error      null, or receives a VLT_FILE_ code: VLT_FILE_OK, or why the open failed
         /// Returns a file handle, or 0. It is closed with vlt_file_close, or together with its package handle. A package
-        /// handle holds up to 65535 open files. When a truncation fails (VLT_FILE_NO_SLOT), the file is empty for this
-        /// session, and for good once its entry has been written: by any later change of the file that succeeds.
+        /// handle holds up to 65535 open files. When the host file fails while the entry of a truncated file
+        /// (VLT_FILE_NO_SLOT) or of a new one (VLT_FILE_NOT_FOUND) is written, that file is empty for this session, and for
+        /// good once its entry has been written: by any later change of the file that succeeds. An open that fails for want of
+        /// memory makes and empties nothing.
         /// </summary>
         [DllImport(Library, CharSet = CharSet.Unicode, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true,
             BestFitMapping = false, ThrowOnUnmappableChar = true)]
@@ -246,7 +250,8 @@ namespace VltNative
 
         /// <summary>
         /// Sets the three stamps of a stored file to the values given, whatever they are; the file may be open and the
-        /// handle read-only. Returns 1, or 0 when there is no such file or it cannot be written.
+        /// handle read-only. Returns 1; 0 when there is no such file, or when its entry cannot be written: this session shows
+        /// the new stamps then, and the host file has them once a later change of the file has succeeded.
         /// </summary>
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true,
             BestFitMapping = false, ThrowOnUnmappableChar = true)]
@@ -255,7 +260,8 @@ namespace VltNative
 
         /// <summary>
         /// Sets the three stamps of a stored file to the values given, whatever they are; the file may be open and the
-        /// handle read-only. Returns 1, or 0 when there is no such file or it cannot be written.
+        /// handle read-only. Returns 1; 0 when there is no such file, or when its entry cannot be written: this session shows
+        /// the new stamps then, and the host file has them once a later change of the file has succeeded.
         /// </summary>
         [DllImport(Library, CharSet = CharSet.Unicode, CallingConvention = CallingConvention.Cdecl, ExactSpelling = true,
             BestFitMapping = false, ThrowOnUnmappableChar = true)]

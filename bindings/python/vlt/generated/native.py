@@ -162,8 +162,10 @@ vlt_file_open = _declare("vlt_file_open", c_int32, ("package", c_int32), ("name"
       truncate   not 0: the file is emptied; VLT_MODE_WRITE only
       error      null, or receives a VLT_FILE_ code: VLT_FILE_OK, or why the open failed
     Returns a file handle, or 0. It is closed with vlt_file_close, or together with its package handle. A package
-    handle holds up to 65535 open files. When a truncation fails (VLT_FILE_NO_SLOT), the file is empty for this
-    session, and for good once its entry has been written: by any later change of the file that succeeds.
+    handle holds up to 65535 open files. When the host file fails while the entry of a truncated file
+    (VLT_FILE_NO_SLOT) or of a new one (VLT_FILE_NOT_FOUND) is written, that file is empty for this session, and for
+    good once its entry has been written: by any later change of the file that succeeds. An open that fails for want of
+    memory makes and empties nothing.
     """)
 
 vltw_file_open = _declare("vltw_file_open", c_int32, ("package", c_int32), ("name", POINTER(c_uint16)),
@@ -175,8 +177,10 @@ vltw_file_open = _declare("vltw_file_open", c_int32, ("package", c_int32), ("nam
       truncate   not 0: the file is emptied; VLT_MODE_WRITE only
       error      null, or receives a VLT_FILE_ code: VLT_FILE_OK, or why the open failed
     Returns a file handle, or 0. It is closed with vlt_file_close, or together with its package handle. A package
-    handle holds up to 65535 open files. When a truncation fails (VLT_FILE_NO_SLOT), the file is empty for this
-    session, and for good once its entry has been written: by any later change of the file that succeeds.
+    handle holds up to 65535 open files. When the host file fails while the entry of a truncated file
+    (VLT_FILE_NO_SLOT) or of a new one (VLT_FILE_NOT_FOUND) is written, that file is empty for this session, and for
+    good once its entry has been written: by any later change of the file that succeeds. An open that fails for want of
+    memory makes and empties nothing.
     """)
 
 vlt_file_close = _declare("vlt_file_close", c_int32, ("file", c_uint32),
@@ -236,13 +240,15 @@ vltw_file_get_info = _declare("vltw_file_get_info", c_int32, ("package", c_int32
 vlt_file_set_time = _declare("vlt_file_set_time", c_int32, ("package", c_int32), ("name", c_char_p),
     ("created", c_double), ("accessed", c_double), ("written", c_double),
     doc="""Sets the three stamps of a stored file to the values given, whatever they are; the file may be open and the
-    handle read-only. Returns 1, or 0 when there is no such file or it cannot be written.
+    handle read-only. Returns 1; 0 when there is no such file, or when its entry cannot be written: this session shows
+    the new stamps then, and the host file has them once a later change of the file has succeeded.
     """)
 
 vltw_file_set_time = _declare("vltw_file_set_time", c_int32, ("package", c_int32), ("name", POINTER(c_uint16)),
     ("created", c_double), ("accessed", c_double), ("written", c_double),
     doc="""Sets the three stamps of a stored file to the values given, whatever they are; the file may be open and the
-    handle read-only. Returns 1, or 0 when there is no such file or it cannot be written.
+    handle read-only. Returns 1; 0 when there is no such file, or when its entry cannot be written: this session shows
+    the new stamps then, and the host file has them once a later change of the file has succeeded.
     """)
 
 vlt_file_delete = _declare("vlt_file_delete", c_int32, ("package", c_int32), ("name", c_char_p),
