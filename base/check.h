@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Builds with sanitizers compare every derived structure after each operation with what it is derived from.
+// Builds that define VLT_CHECK_DERIVED, as those with sanitizers do, compare derived structures with what they are
+// derived from. The two files plain_truth.cpp say which, and up to what size.
 #pragma once
 
 #include <cstdlib>

@@ -75,7 +75,9 @@ ChainExtension::~ChainExtension() {
     store_.host.set_block_count(unwritten_from_);
 }
 
-/// The link to the new blocks is written last, or in one piece with the words right after it.
+/// The link to the new blocks is written last, or together with the words right after it: that is one write, or one
+/// for each block of the header that they lie in. Where only the first of these is done, the link leads to blocks
+/// that look free, and these are given to nobody.
 bool ChainExtension::write_words_of_new_blocks() {
     bool link_written = before_ < 0;
     for (std::int32_t position = old_length_; position < chain_.length();) {

@@ -45,8 +45,8 @@ private:
 };
 
 /// Frees the data chain that starts at a block number; 0 frees nothing. The walk ends at the first block that no
-/// stored file can own, that looks free, or that another chain leads to. The blocks must have been counted. False
-/// when the host file fails; the blocks not yet reached stay in use.
+/// stored file can own, that looks free, or to which one more link leads, of another chain or of this one. The blocks
+/// must have been counted. False when the host file fails; the blocks not yet reached stay in use.
 bool release_chain(Store& store, std::uint32_t first_block);
 
 }  // namespace vlt

@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
-// Builds with sanitizers compare what is kept beside the images with the images after every operation.
+// Builds with VLT_CHECK_DERIVED compare what is kept beside the images with the images after every operation, in
+// packages that are not large.
 #pragma once
 
 #include "vlt/store.h"

@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // What all handles of one package share. The base slot of the package owns it.
 //
-// Everybody may look at each group; the files named beside it, and nobody else, change it. Callers hold the package's
-// mutex, or own the package alone.
+// Everybody may look at each group; the files named beside it change it, and others ask them to. Callers hold the
+// package's mutex, or own the package alone.
 #pragma once
 
 #include <algorithm>
@@ -27,12 +27,12 @@ struct Store {
     }
 
     HostMutex* mutex = nullptr;
-    PackageHost host;        // package_open, header_load, package_grow, data_chain
+    PackageHost host;        // opened by package_open; blocks counted by header_load, package_grow, data_chain
     Images images;           // see images.h
-    Blocks blocks;           // blocks
+    Blocks blocks;           // blocks; data_chain takes names from contested blocks
     Names names{images};     // directory
-    OpenEntries open_files;  // file_table; the chains in it: data_chain, file_io, file_empty
-    StampClock clock;
+    OpenEntries open_files;  // file_table, file_open; the chains in it: chain_io, data_chain, file_empty
+    StampClock clock;        // itself
 
     /// Blocks that exist and have a map word. A header chain shorter than the host file asks for, as a growth that
     /// was cut off leaves it, hides the blocks beyond its words until the next growth lengthens it.

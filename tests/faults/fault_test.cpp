@@ -150,6 +150,26 @@ TEST(RefusedEntry, KeepsNoOtherFileFromBeingOpened) {
     EXPECT_EQ(world.Image().Find("victim")->accessed, 2);
 }
 
+/// What could not be written shows for the rest of the session.
+TEST(RefusedEntry, IsKnownToTheSessionAlone) {
+    World world(StateNamed("growing"));
+    {
+        const Fault fault(kFaultWrite, 1, FaultManner::cleanly, true);
+        EXPECT_EQ(SetTime(world.package(), "victim", 1, 2, 3), 0);
+        EXPECT_EQ(OpenError(world.package(), "new", VLT_MODE_WRITE), VLT_FILE_NOT_FOUND);
+    }
+    FileInfo info;
+    EXPECT_EQ(GetInfo(world.package(), "victim", &info), 1);
+    EXPECT_EQ(info.written, 3);
+    EXPECT_EQ(GetInfo(world.package(), "new", &info), 1);
+    EXPECT_EQ(info.size, 0);
+    world.Close();
+    EXPECT_TRUE(world.Open());
+    EXPECT_EQ(GetInfo(world.package(), "victim", &info), 1);
+    EXPECT_NE(info.written, 3);
+    EXPECT_EQ(GetInfo(world.package(), "new", &info), 0);
+}
+
 // ---- The process ends --------------------------------------------------------------------------------------------
 
 /// Uses a package on after it was cut off: appends to the file that was being changed, fills what is free and grows,
