@@ -58,10 +58,12 @@ need_build_tools() {
     need cmake=cmake ninja=ninja-build g++=g++ pkg-config=pkg-config \
         /usr/include/CLI/CLI.hpp=libcli11-dev /usr/include/nlohmann/json.hpp=nlohmann-json3-dev \
         /usr/include/fmt/format.h=libfmt-dev /usr/include/xxhash.h=libxxhash-dev \
-        /usr/include/sqlite3.h=libsqlite3-dev
+        /usr/include/sqlite3.h=libsqlite3-dev /usr/include/fuse3/fuse.h=libfuse3-dev
 }
 
-need_test_tools() { need_build_tools && need /usr/src/googletest/CMakeLists.txt=googletest python3=python3; }
+need_test_tools() {
+    need_build_tools && need /usr/src/googletest/CMakeLists.txt=googletest python3=python3 fusermount3=fuse3
+}
 
 # Clang with the libraries that its sanitizers, its fuzzer and its profiles are linked with.
 need_clang() {

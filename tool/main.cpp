@@ -19,6 +19,7 @@ int main(int argc, char** argv) {
     add_dump_verb(program);
     add_sum_verbs(program);
     add_salvage_verb(program);
+    add_mount_verb(program);
     add_db_verbs(program);
     add_bom_verbs(program);
     add_help_verbs(program);

@@ -169,6 +169,12 @@ StoredFile Package::open_to_write(const std::string& name) {
     return {options_.path + ": " + names_->shown(name), open_file(name, VLT_MODE_WRITE, true), 0};
 }
 
+StoredFile Package::open_to_change(const Entry& entry) {
+    changes_.written.insert(folded(entry.name));
+    return {options_.path + ": " + names_->shown(entry.name), open_file(entry.name, VLT_MODE_WRITE, false),
+            entry.size};
+}
+
 void Package::remove(const std::string& name) {
     if (!call(wide(), vlt_file_delete, vltw_file_delete, handle_, name))
         throw failure(name, "cannot be removed; only stored files can, in a package that may be written");

@@ -90,6 +90,8 @@ public:
     StoredFile open_to_read(const Entry& entry) const;
     /// Makes the file, or empties it.
     StoredFile open_to_write(const std::string& name);
+    /// Leaves what is stored in it.
+    StoredFile open_to_change(const Entry& entry);
     void remove(const std::string& name);
     void set_times(const Entry& entry);
 

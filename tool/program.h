@@ -59,6 +59,7 @@ void add_check_verb(Program& program);
 void add_dump_verb(Program& program);
 void add_sum_verbs(Program& program);
 void add_salvage_verb(Program& program);
+void add_mount_verb(Program& program);
 void add_db_verbs(Program& program);
 void add_bom_verbs(Program& program);
 
