@@ -1,8 +1,9 @@
 #!/usr/bin/env python3
 # SPDX-License-Identifier: MIT
 """Times vlt's verbs on a product of a million items and four million lines, as multiples of the load alone, beside a
-recursive query of SQLite and a plain Python program on the same data: product_bench.py VLT [quick]"""
-import decimal, pathlib, random, resource, shutil, sqlite3, subprocess, sys, tempfile, time
+recursive query of SQLite and a plain Python program on the same data: product_bench.py VLT FOLDER [quick]
+FOLDER is made, and keeps the product."""
+import decimal, pathlib, random, resource, sqlite3, subprocess, sys, time
 
 LEVELS = 8
 
@@ -25,16 +26,19 @@ def write_product(folder, items, lines):
             file.write(f"{line + 1}\t{parent + 1}\t{child + 1}\t{rng.choice(('1', '2', '4', '0.25', '8'))}\n")
 
 
-def vlt(*arguments):
-    """Processor time, the median of three runs."""
-    times = []
-    for _ in range(3):
-        before = resource.getrusage(resource.RUSAGE_CHILDREN)
-        done = subprocess.run([sys.argv[1], *map(str, arguments)], stdout=subprocess.DEVNULL)
-        assert done.returncode in (0, 1), arguments
-        after = resource.getrusage(resource.RUSAGE_CHILDREN)
-        times.append(after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime)
-    return sorted(times)[1]
+def processor_time(arguments):
+    before = resource.getrusage(resource.RUSAGE_CHILDREN)
+    done = subprocess.run([sys.argv[1], *map(str, arguments)], stdout=subprocess.DEVNULL)
+    assert done.returncode in (0, 1), arguments
+    after = resource.getrusage(resource.RUSAGE_CHILDREN)
+    return after.ru_utime + after.ru_stime - before.ru_utime - before.ru_stime
+
+
+def times_beside_load(folder, *arguments, rounds=3):
+    """The best of a verb and the best of the load, run in turn: what else the machine does meets both."""
+    load = "db", "table", folder, "BITM", "--limit", 0
+    pairs = [(processor_time(load), processor_time(arguments)) for _ in range(rounds)]
+    return min(pair[0] for pair in pairs), min(pair[1] for pair in pairs)
 
 
 def rows(path):
@@ -79,22 +83,20 @@ def python_flat(folder):
 
 def main():
     items = 100_000 if "quick" in sys.argv else 1_000_000
-    scratch = pathlib.Path(tempfile.mkdtemp(prefix="product_bench."))
-    folder = scratch / "product"
+    folder = pathlib.Path(sys.argv[2])
     write_product(folder, items, 4 * items)
     code = f"Part-{items * 2654435761 & 0xFFFFFFFF:08X}"
-    load = vlt("db", "table", folder, "BITM", "--limit", 0)
-    print(f"{items} items, {4 * items} lines: load {load:.2f} s\n{'work':44} {'x load':>7} {'goal':>5}")
+    print(f"{items} items, {4 * items} lines\n{'work':44} {'x load':>7} {'goal':>5}")
     for verb, arguments, loads in [("bom flat", (folder,), 1), ("bom where-used --all", (folder, code, "--all"), 1),
                                    ("db check", (folder,), 1), ("bom diff", (folder, folder), 2),
                                    ("bom flat --json", (folder, "--json"), 1)]:
         words = verb.split()
-        taken = vlt(words[0], words[1], *arguments)
+        load, taken = times_beside_load(folder, words[0], words[1], *arguments)
         print(f"{verb:44} {taken / load / loads:7.2f} {'1.50' if 'json' not in verb else '':>5}"
               + ("  of two loads" if loads > 1 else ""))
     print(f"{'SQLite: recursive query for the parts alone':44} {sqlite_parts(folder) / load:7.2f}")
     print(f"{'Python: read, and quantities':44} {python_flat(folder) / load:7.2f}")
-    shutil.rmtree(scratch)
+    print(f"a load takes {load:.2f} s")
 
 
 main()

@@ -52,6 +52,7 @@ public:
 
     void check_double_nids(int table) {
         const std::int32_t field = KOfflineTable_GetFldIndex(&db_->tables[table], "NID");
+        if (has_ascending_nids(&db_->tables[table], field)) return;
         const NidMap nids(&db_->tables[table], field);
         for (const std::int32_t rec : nids.doubles()) {
             const std::string nid = value(table, rec, field);
@@ -178,13 +179,18 @@ private:
     /// side by side.
     std::vector<std::pair<std::int32_t, std::int32_t>> equal_values(int table, std::int32_t field) const {
         const std::span<const std::int32_t> sorted = sorted_records(&db_->tables[table], field);
+        std::vector<std::uint32_t> hashes;  // in record order, because values are read slowly in any other
+        for (std::int32_t rec = 0; rec < records(table); ++rec)
+            hashes.push_back(folded_hash(value(table, rec, field)));
+        const auto are_equal = [&](std::int32_t a, std::int32_t b) {
+            return hashes[at(a)] == hashes[at(b)] &&
+                   compare_folded(value(table, a, field), value(table, b, field)) == 0;
+        };
         std::vector<std::pair<std::int32_t, std::int32_t>> equal;
-        const char* next = sorted.empty() ? "" : value(table, sorted[0], field);
         for (std::size_t begin = 0, end = 0; begin < sorted.size(); begin = end) {
-            const char* key = next;
-            while (++end < sorted.size() && compare_folded(key, next = value(table, sorted[end], field)) == 0) {
+            while (++end < sorted.size() && are_equal(sorted[begin], sorted[end])) {
             }
-            if (end - begin == 1 || !*key) continue;
+            if (end - begin == 1 || !*value(table, sorted[begin], field)) continue;
             const auto run = sorted.subspan(begin, end - begin);
             const std::int32_t first = *std::min_element(run.begin(), run.end());
             for (const std::int32_t rec : run) {

@@ -11,6 +11,7 @@ namespace {
 
 constexpr int kMostDecimals = 38;
 constexpr int kLimbs = 8;
+constexpr unsigned kScaleBits = 4;  // of a packed number
 
 }  // namespace
 
@@ -203,7 +204,19 @@ std::optional<Decimal> Decimal::parse_short(std::string_view text) {
     return result;
 }
 
+std::optional<std::uint32_t> Decimal::packed() const {
+    if (negative_ || high_ || low_ >> (32 - kScaleBits) || scale_ >> kScaleBits) return std::nullopt;
+    return static_cast<std::uint32_t>(low_) << kScaleBits | scale_;
+}
+
+Decimal Decimal::unpacked(std::uint32_t bits) {
+    Decimal result(bits >> kScaleBits);
+    result.scale_ = static_cast<std::uint8_t>(bits & ((1U << kScaleBits) - 1));
+    return result;
+}
+
 std::string Decimal::text() const {
+    if (!high_ && !scale_ && !negative_) return std::to_string(low_);
     char reversed[2 * kMostDecimals + 4];
     std::size_t length = 0;
     Wide wide(*this);

@@ -25,6 +25,10 @@ public:
     /// number that does not fit.
     static std::optional<Decimal> parse(std::string_view text);
 
+    /// The number in 32 bits, where it has few digits and no sign; and back again.
+    std::optional<std::uint32_t> packed() const;
+    static Decimal unpacked(std::uint32_t bits);
+
     /// As few characters as say it: "0.25", "-3".
     std::string text() const;
 

@@ -3,6 +3,12 @@
 
 namespace bom {
 
+void Decimals::push_back(const Decimal& number) {
+    const std::uint32_t bits = number.packed().value_or(kLong);
+    if (bits == kLong) long_.emplace(static_cast<std::int32_t>(packed_.size()), number);
+    packed_.push_back(bits);
+}
+
 Graph::Graph(KOfflineDb* db) {
     const auto items = at(KOfflineTable_GetRecsCount(KOfflineDb_GetTable_BITM(db)));
     child_begin_.resize(items + 1);

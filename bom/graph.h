@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <span>
+#include <unordered_map>
 #include <vector>
 
 #include "bom/decimal.h"
@@ -16,6 +17,23 @@ using Item = std::int32_t;  // a record number of BITM
 using Line = std::int32_t;  // a record number of BBOM
 
 constexpr std::int32_t kNone = -1;
+
+/// Decimals, most of which have few digits.
+class Decimals {
+public:
+    void reserve(std::size_t count) { packed_.reserve(count); }
+    void push_back(const Decimal& number);
+    Decimal operator[](std::int32_t i) const {
+        const std::uint32_t bits = packed_[static_cast<std::size_t>(i)];
+        return bits == kLong ? long_.at(i) : Decimal::unpacked(bits);
+    }
+
+private:
+    static constexpr std::uint32_t kLong = 0xFFFFFFFF;
+
+    std::vector<std::uint32_t> packed_;
+    std::unordered_map<std::int32_t, Decimal> long_;  // where packed_ says kLong
+};
 
 /// Items and lines in record order, as arrays. The database may change or go afterwards; the graph stays as it was.
 class Graph {
@@ -30,7 +48,7 @@ public:
     Item child(Line line) const { return child_[at(line)]; }
 
     /// How many of the child go into the parent: 1 where the line says nothing, or something that is no number.
-    const Decimal& quantity(Line line) const { return quantity_[at(line)]; }
+    Decimal quantity(Line line) const { return quantity_[line]; }
 
     /// The lines that say nothing, or something that is no number, in record order; none where the table has no
     /// quantities at all.
@@ -64,7 +82,7 @@ private:
     static void group(const std::vector<Item>& ends, std::vector<Line>& begin, std::vector<Line>& lines);
 
     std::vector<Item> parent_, child_;             // by line
-    std::vector<Decimal> quantity_;                // by line
+    Decimals quantity_;                            // by line
     std::vector<Line> without_quantity_;           // in record order
     std::vector<Line> child_begin_, child_lines_;  // the lines of item i: child_begin_[i] to child_begin_[i + 1]
     std::vector<char> has_parent_;                 // by item

@@ -25,6 +25,18 @@ std::optional<std::uint32_t> plain_number(const char* text) {
 
 }  // namespace
 
+bool has_ascending_nids(KOfflineTable* table, std::int32_t field) {
+    const std::int32_t records = KOfflineTable_GetRecsCount(table);
+    std::int64_t last = -1;
+    for (std::int32_t rec = 0; rec < records; ++rec) {
+        const char* nid = KOfflineTable_GetFldValue(table, rec, field);
+        const auto number = nid ? plain_number(nid) : std::nullopt;
+        if (!number || *number <= last) return false;
+        last = *number;
+    }
+    return true;
+}
+
 NidMap::NidMap(KOfflineTable* table, std::int32_t field) {
     const std::int32_t records = KOfflineTable_GetRecsCount(table);
     numbers_.reserve(static_cast<std::size_t>(records));

@@ -11,6 +11,9 @@
 
 namespace bom {
 
+/// Whether every NID is a plain number above that of the record before: then none is there twice.
+bool has_ascending_nids(KOfflineTable* table, std::int32_t field);
+
 class NidMap {
 public:
     NidMap(KOfflineTable* table, std::int32_t field);

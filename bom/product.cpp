@@ -2,6 +2,7 @@
 #include "bom/product.h"
 
 #include <algorithm>
+#include <bit>
 
 namespace bom {
 
@@ -33,8 +34,18 @@ void Product::reach_children(Item item) {
     }
 }
 
+/// The items of a round all differ. Many are sorted by marking them and reading the marks.
 void Product::sort_round(std::vector<Item>& items, std::size_t begin) {
-    std::sort(items.begin() + static_cast<std::ptrdiff_t>(begin), items.end());
+    constexpr unsigned kBits = 64;
+    if ((items.size() - begin) * kBits < nodes_.size())
+        return std::sort(items.begin() + static_cast<std::ptrdiff_t>(begin), items.end());
+    marked_.assign(nodes_.size() / kBits + 1, 0);
+    for (std::size_t i = begin; i < items.size(); ++i)
+        marked_[at(items[i]) / kBits] |= std::uint64_t{1} << at(items[i]) % kBits;
+    for (std::size_t word = 0; word < marked_.size(); ++word) {
+        for (std::uint64_t bits = marked_[word]; bits; bits &= bits - 1)
+            items[begin++] = static_cast<Item>(word * kBits + static_cast<unsigned>(std::countr_zero(bits)));
+    }
 }
 
 /// Takes the items that no line of the rest names, again and again.

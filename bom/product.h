@@ -62,13 +62,14 @@ private:
     static std::size_t at(Item item) { return static_cast<std::size_t>(item); }
     void reach(Item item, std::int32_t level);
     void reach_children(Item item);
-    static void sort_round(std::vector<Item>& items, std::size_t begin);
+    void sort_round(std::vector<Item>& items, std::size_t begin);
     void sort_top_down();
     Value sum_of_children(Item item, const std::vector<Value>& values) const;
 
     const Graph& graph_;
     std::vector<Item> items_, top_down_;
-    std::vector<Node> nodes_;  // by item
+    std::vector<Node> nodes_;            // by item
+    std::vector<std::uint64_t> marked_;  // a bit an item, for sort_round
     std::size_t tops_ = 0;
 };
 

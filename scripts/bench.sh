@@ -18,4 +18,8 @@ graph=build/demo/debian
 [ -e "$graph/kdbmain.txt" ] || graph=""
 build/bench/bench/db_bench "$@" ${graph:+"$graph"}
 say "Products"
-python3 bench/product_bench.py build/bench/bin/vlt "$@"
+products="$(mktemp -d "${TMPDIR:-/tmp}/product-bench.XXXXXX")"
+trap 'rm -rf "$products"' EXIT
+python3 bench/product_bench.py build/bench/bin/vlt "$products/product" "$@"
+say "Data in and out"
+bench/exchange_bench.sh build/bench/bin/vlt "$products/product"

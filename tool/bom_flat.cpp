@@ -29,9 +29,9 @@ struct FlatOptions {
 class PartsPrinter {
 public:
     PartsPrinter(const Items& items, const bom::Product& product, bool leaves, Output& out)
-        : items_(items), product_(product), out_(out), endless_(product.endless()) {
-        for (const bom::Item item : product.items()) {  // the tops too, if they go into themselves
-            if (product.uses(item) > 0 && (!leaves || items.graph().children(item).empty())) parts_.push_back(item);
+        : items_(items), product_(product), leaves_(leaves), out_(out), endless_(product.endless()) {
+        for (const bom::Item item : product.items()) {
+            if (is_part(item)) parts_.push_back(item);
         }
         try {
             quantities_ = product.quantities();
@@ -41,9 +41,9 @@ public:
     }
 
     void print() {
-        std::vector<bom::Item> in_record_order = parts_;  // which is quicker to read
-        std::sort(in_record_order.begin(), in_record_order.end());
-        for (const bom::Item item : in_record_order) {
+        for (bom::Item item = 0; item < items_.graph().items();
+             ++item) {  // in record order, which is quicker to read
+            if (!is_part(item)) continue;
             quantity_width_ = std::max(quantity_width_, text_width(quantity(item)));
             code_width_ = std::max(code_width_, text_width(items_.label(item)));
         }
@@ -85,6 +85,10 @@ public:
     }
 
 private:
+    /// The tops too, if they go into themselves.
+    bool is_part(bom::Item item) const {
+        return product_.uses(item) > 0 && (!leaves_ || items_.graph().children(item).empty());
+    }
     bool is_endless(bom::Item item) const { return endless_[static_cast<std::size_t>(item)]; }
     std::string quantity(bom::Item item) const {
         return is_endless(item) ? "?" : quantities_[static_cast<std::size_t>(item)].text();
@@ -122,6 +126,7 @@ private:
 
     const Items& items_;
     const bom::Product& product_;
+    bool leaves_;
     Output& out_;
     std::vector<bom::Item> parts_;
     std::vector<char> endless_;             // by item
