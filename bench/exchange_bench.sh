@@ -27,7 +27,7 @@ row() { # NAME BYTES
 }
 
 for _ in 1 2 3; do
-    measure load "$work/none" "$vlt" db info "$db"
+    measure load "$work/none" "$vlt" db table "$db" BITM --limit 0
     measure "export --csv" "$work/csv" "$vlt" db export "$db" --csv "$work/csv"
     measure "export --jsonl" "$work/lines" "$vlt" db export "$db" --jsonl -o "$work/lines"
     measure "import of the CSV" "$work/made" "$vlt" db import "$work/csv" "$work/made"

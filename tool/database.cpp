@@ -8,6 +8,7 @@
 #include "bom/check.h"
 #include "bom/text.h"
 #include "tool/failure.h"
+#include "tool/scratch.h"
 
 namespace tool {
 
@@ -40,6 +41,12 @@ void list_folder(const fs::path& folder, const Names& names, std::vector<Documen
     }
 }
 
+void check_whole(const DatabasePlace& place) {
+    if (file_status(place.path / kOldFiles).kind == FileStatus::Kind::missing) return;
+    throw Failure(text_of(place.path),
+                  "a change was cut off, or is going on; `vlt db edit` brings the files back as they were before it");
+}
+
 bool is_printable(std::string_view text) {
     return std::all_of(text.begin(), text.end(), [](char c) { return c >= ' ' && c < 0x7f && c != '\\'; });
 }
@@ -52,6 +59,7 @@ void DatabaseOptions::declare(Verb verb, Access access) {
 }
 
 void DatabaseOptions::declare_options(Verb verb, Access access) {
+    words.declare(verb, Access::read);
     verb.add_option("--encoding", encoding, "code page of the values, such as CP932; UTF-8 if not given");
     verb.add_flag("--no-lock", no_lock, "go ahead although another process uses the package");
     if (access == Access::write) verb.add_flag("--sync", sync, "wait until everything is on the disk");
@@ -73,9 +81,13 @@ DatabasePlace::DatabasePlace(const DatabaseOptions& options) : path(place_of(pat
 // ---- Files ---------------------------------------------------------------------------------------------------
 
 DatabaseFiles::DatabaseFiles(const DatabaseOptions& options) : place_(options), names_(false, options.encoding) {
-    if (!place_.is_package) return;
+    if (!place_.is_package) {
+        check_whole(place_);
+        return;
+    }
     PackageOptions package;
     package.path = text_of(place_.path);
+    package.words = options.words;
     package.encoding = options.encoding;
     package.no_lock = true;
     package_ = std::make_unique<Package>(package, Access::read);
@@ -126,30 +138,37 @@ Database::Database(const DatabaseOptions& options, Access access)
         lock_ = std::make_unique<HostLock>(
             place_.path, access == Access::read ? HostLock::Mode::shared : HostLock::Mode::exclusive);
     }
+    if (!place_.is_package) check_whole(place_);
     KOfflineDb_Constructor(&record_);
-    if (KOfflineDb_Load(&record_, library_path(place_.path).c_str()) == 1) return;
-    const DatabaseError reason = failure();
-    KOfflineDb_Destructor(&record_);
-    throw reason;
+    try {
+        if (load(place_.path) || (record_.error_code == KOFFLINE_ERR_NONE && place_.is_package && load_copy()))
+            return;
+        throw failure();
+    } catch (...) {
+        KOfflineDb_Destructor(&record_);
+        throw;
+    }
+}
+
+bool Database::load(const fs::path& path) {
+    return KOfflineDb_Load(&record_, library_path(path).c_str()) == 1;
+}
+
+/// A load gives no words and opens the package for writing; where that cannot be, it is given the files alone.
+bool Database::load_copy() {
+    const DatabaseFiles source = files();
+    const ScratchFolder scratch(temporary_folder());
+    const auto copy = [&](const char* name) {
+        if (const auto bytes = source.read(name)) write_file(scratch / name, *bytes);
+    };
+    copy(bom::kSchemaFile);
+    std::for_each(bom::kTableFiles.begin(), bom::kTableFiles.end(), copy);
+    KOfflineDb_Reset(&record_);
+    return load(scratch.path());
 }
 
 DatabaseError Database::failure() const {
-    if (record_.error_code != KOFFLINE_ERR_NONE || !place_.is_package) {
-        return DatabaseError(options_.path, database_error_text(record_.error_code, record_.error_text));
-    }
-    std::int32_t error = 0;
-    const std::int32_t package =
-        vlt_package_open(library_path(place_.path).c_str(), 1, 0, nullptr, nullptr, nullptr, &error);
-    if (package) vlt_package_close(package);
-    if (error == VLT_OPEN_CREDENTIALS) {
-        return DatabaseError(options_.path,
-                             "a database cannot be loaded from a package that asks for a word; take it out with "
-                             "`vlt db unpack`, and use the folder");
-    }
-    if (!package) return DatabaseError(options_.path, open_error_text(error));
-    return DatabaseError(options_.path,
-                         "a load needs a package that may be written; make the file writable, or take the "
-                         "database out with `vlt db unpack`, and use the folder");
+    return DatabaseError(options_.path, database_error_text(record_.error_code, record_.error_text));
 }
 
 DatabaseFiles Database::files() const {

@@ -22,6 +22,7 @@ namespace tool {
 /// A database on the command line.
 struct DatabaseOptions {
     std::string path;
+    Credentials words;
     std::string encoding;
     bool no_lock = false, sync = false;
 
@@ -47,6 +48,9 @@ struct Document {
     std::int64_t size = 0;
     fs::path path;  ///< of a folder's; empty in a package
 };
+
+/// Where the old files of a folder stand, all of them, while new ones take their places.
+constexpr const char* kOldFiles = "vlt-old";
 
 /// The files of a database as bytes, whether it loads or not. A package must not be loaded while these are used
 /// unless it was loaded before.
@@ -102,6 +106,9 @@ public:
     DatabaseError failure() const;
 
 private:
+    bool load(const fs::path& path);
+    bool load_copy();
+
     DatabaseOptions options_;
     DatabasePlace place_;
     std::unique_ptr<HostLock> lock_;

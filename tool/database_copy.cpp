@@ -5,14 +5,13 @@
 #include <optional>
 
 #include "include/vlt.h"
+#include "tool/database.h"
 #include "tool/failure.h"
 #include "tool/package.h"
 
 namespace tool {
 
 namespace {
-
-constexpr const char* kOldFiles = "vlt-old";  // in a folder, while files are exchanged
 
 std::string decoded(const CodePage& page, std::string_view bytes, const std::string& file) {
     std::string text;
@@ -62,16 +61,13 @@ void store_files(Package& package, const fs::path& folder) {
     }
 }
 
-PackageOptions package_options(const fs::path& path, bool sync) {
+void fill_package(const fs::path& path, const fs::path& folder, const Destination& destination) {
     PackageOptions options;
     options.path = text_of(path);
+    options.words = destination.words;
     options.no_lock = true;
-    options.sync = sync;
-    return options;
-}
-
-void fill_package(const fs::path& path, const fs::path& folder, bool sync) {
-    Package package(package_options(path, sync), Access::write);
+    options.sync = destination.sync;
+    Package package(options, Access::write);
     store_files(package, folder);
     package.close();
 }
@@ -81,78 +77,104 @@ void install_new_package(const fs::path& folder, const Destination& destination)
     const fs::path made = scratch / "new";
     if (!vlt_package_create(library_path(made).c_str(), 0, 0, nullptr, nullptr))
         throw Failure(text_of(destination.path), "cannot be created; is there room on the disk?");
-    fill_package(made, folder, destination.sync);
+    fill_package(made, folder, destination);
     move_file(made, destination.path, false);
 }
 
-/// Seven stored files cannot be exchanged at once, so a copy of the package keeps the old ones until all are written.
-void install_into_package(const fs::path& folder, const Destination& destination) {
-    const fs::path copy = path_of(text_of(destination.path) + ".before");
-    if (file_status(copy).kind != FileStatus::Kind::missing)
-        throw Failure(text_of(copy),
-                      "the package as it was before a change that was cut off; "
-                      "bring it back or remove it, then try again");
+/// Seven stored files cannot be replaced at once, but the package can.
+void install_into_package(const fs::path& folder, const Destination& destination, std::optional<HostLock>& lock) {
     std::error_code error;
-    fs::copy_file(destination.path, copy, error);
-    if (error) throw Failure(text_of(copy), "the package cannot be copied: " + error.message());
+    const fs::path place = fs::canonical(destination.path, error);  // a link stays one
+    const ScratchFolder scratch(folder_of(place));
+    const fs::path copy = scratch / "new";
+    if (!error) fs::copy_file(place, copy, error);
+    if (error) throw Failure(text_of(destination.path), "the package cannot be copied: " + error.message());
     try {
-        sync_file(copy);
-        fill_package(destination.path, folder, destination.sync);
-    } catch (...) {
-        warn(text_of(copy) + ": the package as it was before; bring it back");
-        throw;
+        fill_package(copy, folder, destination);
+    } catch (const Failure& failure) {
+        const std::string text = failure.what(), name = text_of(copy);
+        if (!text.starts_with(name + ": ")) throw;
+        throw Failure(text_of(destination.path), text.substr(name.size() + 2));
     }
-    fs::remove(copy, error);
+    copy_access(place, copy);
+    lock.reset();
+    move_file(copy, place, true);
+    if (destination.sync) sync_file(place);
 }
 
-/// Moves files from one folder to another and back again when it is not finished.
-class Exchange {
-public:
-    Exchange(fs::path from, fs::path to, fs::path old)
-        : from_(std::move(from)), to_(std::move(to)), old_(std::move(old)) {}
-    ~Exchange() {
-        if (!finished_) undo();
-    }
-    void run(const std::vector<std::string>& there) {
-        for (const std::string& name : there) {
-            move_file(to_ / name, old_ / name, false);
-            away_.push_back(name);
-        }
-        for (const char* name : exchange::kDatabaseFiles) {
-            move_file(from_ / name, to_ / name, false);
-            brought_.emplace_back(name);
-        }
-        finished_ = true;
-    }
+// ---- Files of a folder -----------------------------------------------------------------------------------------
 
-private:
-    void undo() {
-        std::error_code error;
-        for (const std::string& name : brought_) fs::rename(to_ / name, from_ / name, error);
-        for (const std::string& name : away_) fs::rename(old_ / name, to_ / name, error);
-        fs::remove(old_, error);  // only when it is empty
-    }
+/// A second name for a file, or a copy where the file system knows no such.
+void link_or_copy(const fs::path& from, const fs::path& to) {
+    std::error_code error;
+    fs::create_hard_link(from, to, error);
+    if (error) fs::copy_file(from, to, error);
+    if (error) throw Failure(text_of(from), "cannot be copied: " + error.message());
+}
 
-    fs::path from_, to_, old_;
-    std::vector<std::string> away_, brought_;
-    bool finished_ = false;
-};
+bool is_there(const fs::path& path) {
+    return file_status(path).kind != FileStatus::Kind::missing;
+}
+
+bool is_same(const fs::path& a, const fs::path& b) {
+    const FileStatus left = file_status(a), right = file_status(b);
+    return left.kind == right.kind && left.size == right.size && bytes_of(a) == bytes_of(b);
+}
+
+/// The files that are to be replaced, the one that bears the lock last.
+std::vector<std::string> files_that_differ(const fs::path& folder, const fs::path& place) {
+    std::vector<std::string> differ;
+    for (auto name = exchange::kDatabaseFiles.rbegin(); name != exchange::kDatabaseFiles.rend(); ++name)
+        if (!is_same(folder / *name, place / *name)) differ.emplace_back(*name);
+    return differ;
+}
 
 void sync_files(const fs::path& folder, bool wanted) {
     for (const char* name : exchange::kDatabaseFiles)
         if (wanted) sync_file(folder / name);
 }
 
-void install_into_folder(const fs::path& folder, const Destination& destination) {
-    const fs::path old = destination.path / kOldFiles;
-    std::error_code error;
-    if (!fs::create_directory(old, error))
-        throw Failure(text_of(old),
-                      "holds the files as they were before a change that was cut off; "
-                      "bring them back or remove it, then try again");
-    Exchange(folder, destination.path, old).run(files_there(destination.path));
-    sync_files(destination.path, destination.sync);
-    fs::remove_all(old, error);
+/// What no database can do without.
+bool holds_database(const fs::path& folder) {
+    return is_there(folder / "kdbmain.txt") && is_there(folder / "bitm.txt") && is_there(folder / "bbom.txt");
+}
+
+/// Brings old files back to their place, and removes those that were not there. May be cut off and done again.
+void restore(const fs::path& place, const fs::path& old) {
+    const ScratchFolder scratch(place);
+    for (const char* name : exchange::kDatabaseFiles) {
+        std::error_code error;
+        if (!is_there(old / name)) {
+            fs::remove(place / name, error);
+            continue;
+        }
+        link_or_copy(old / name, scratch / name);
+        move_file(scratch / name, place / name, true);
+    }
+    move_file(old, scratch / "done", false);
+}
+
+/// While the folder of old files stands, all of them in it, the change has not happened: it comes and goes at once.
+void install_into_folder(const fs::path& folder, const Destination& destination, std::optional<HostLock>& lock) {
+    const fs::path& place = destination.path;
+    const std::vector<std::string> differ = files_that_differ(folder, place);
+    const ScratchFolder scratch(place);
+    make_folder(scratch / "old");
+    for (const std::string& name : files_there(place)) link_or_copy(place / name, scratch / "old" / name);
+    const bool had_database = holds_database(scratch / "old");
+    if (had_database) move_file(scratch / "old", place / kOldFiles, false);
+    try {
+        for (const std::string& name : differ) {
+            if (is_there(place / name)) copy_access(place / name, folder / name);
+            if (name == exchange::kDatabaseFiles[0]) lock.reset();
+            move_file(folder / name, place / name, true);
+        }
+        sync_files(place, destination.sync);
+    } catch (...) {
+        restore(place, had_database ? place / kOldFiles : scratch / "old");
+        throw;
+    }
+    if (is_there(place / kOldFiles)) move_file(place / kOldFiles, scratch / "done", false);
 }
 
 }  // namespace
@@ -228,14 +250,28 @@ void check_destination(const Destination& destination) {
         throw Failure(text_of(destination.path), "exists already; give -f to replace the database in it");
 }
 
-void install_database(const fs::path& folder, const Destination& destination) {
+void lock_destination(const Destination& destination, HostLock::Mode mode, std::optional<HostLock>& lock) {
+    const fs::path file = destination.is_package ? destination.path : destination.path / exchange::kDatabaseFiles[0];
+    if (file_status(file).kind == FileStatus::Kind::file) lock.emplace(file, mode);
+}
+
+void bring_back(const Destination& destination) {
+    const fs::path old = destination.path / kOldFiles;
+    if (destination.is_package || !is_there(old)) return;
+    if (!holds_database(old))
+        throw Failure(text_of(old), "holds no database as it was before a change; move it away, then try again");
+    restore(destination.path, old);
+    warn(text_of(destination.path) + ": a change was cut off; the files are as they were before it");
+}
+
+void install_database(const fs::path& folder, const Destination& destination, std::optional<HostLock>& lock) {
     check_destination(destination);
-    const bool there = file_status(destination.path).kind != FileStatus::Kind::missing;
+    const bool there = is_there(destination.path);
     sync_files(folder, destination.sync);
     if (destination.is_package)
-        there ? install_into_package(folder, destination) : install_new_package(folder, destination);
+        there ? install_into_package(folder, destination, lock) : install_new_package(folder, destination);
     else
-        there ? install_into_folder(folder, destination) : move_file(folder, destination.path, false);
+        there ? install_into_folder(folder, destination, lock) : move_file(folder, destination.path, false);
 }
 
 }  // namespace tool

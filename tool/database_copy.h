@@ -3,9 +3,11 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 
 #include "exchange/schema.h"
+#include "tool/options.h"
 #include "tool/scratch.h"
 
 namespace tool {
@@ -47,6 +49,7 @@ struct Destination {
     bool is_package = false;
     bool force = false;  ///< replace the database that stands there; its documents stay
     bool sync = false;
+    Credentials words = {};  ///< of the package that is there
 };
 
 /// Where the copy is made that is brought there: on the same file system.
@@ -55,9 +58,17 @@ fs::path scratch_place(const Destination& destination);
 /// Fails with `Failure` when a database stands there already and must not be replaced.
 void check_destination(const Destination& destination);
 
+/// Locks the database that is to be replaced, if there is one.
+void lock_destination(const Destination& destination, HostLock::Mode mode, std::optional<HostLock>& lock);
+
+/// Puts the files of a folder back as they were before a change that was cut off, if one was. The caller holds the
+/// lock.
+void bring_back(const Destination& destination);
+
 /// Brings the seven files of a folder, which may become the destination, to their place. A new folder or package
-/// appears whole. In a folder that is there the files are exchanged, and brought back if that fails; of a package a
-/// copy stands beside it meanwhile. The caller holds the lock of what is there.
-void install_database(const fs::path& folder, const Destination& destination);
+/// appears whole; a package that is there is replaced by a changed copy. In a folder that is there each file that
+/// differs is replaced, and the old ones are brought back if that fails, or by `bring_back`. The lock is given up
+/// before the last file is replaced, for some systems replace no file that is open.
+void install_database(const fs::path& folder, const Destination& destination, std::optional<HostLock>& lock);
 
 }  // namespace tool

@@ -276,10 +276,11 @@ int edit(Program& program, const EditOptions& options) {
     destination.is_package = place.is_package;
     destination.force = true;
     destination.sync = options.database.sync;
-    const fs::path locked = place.is_package ? place.path : place.path / exchange::kDatabaseFiles[0];
+    destination.words = options.database.words;
     std::optional<HostLock> lock;
-    if (!options.database.no_lock && file_status(locked).kind == FileStatus::Kind::file)
-        lock.emplace(locked, options.dry_run ? HostLock::Mode::shared : HostLock::Mode::exclusive);
+    if (!options.database.no_lock)
+        lock_destination(destination, options.dry_run ? HostLock::Mode::shared : HostLock::Mode::exclusive, lock);
+    if (!options.dry_run) bring_back(destination);
 
     DatabaseCopy copy(options.database.path, options.database.encoding,
                       options.dry_run ? temporary_folder() : scratch_place(destination));
@@ -291,9 +292,9 @@ int edit(Program& program, const EditOptions& options) {
     apply(editor, options);
     print(editor.changes(), options.json, program.out());
     if (options.dry_run || editor.changes().empty()) return kDone;
-    install_database(copy.save(), destination);
+    install_database(copy.save(), destination, lock);
     if (!options.json)
-        program.out().line(place.is_package ? "saved into the package; a copy of it stood by meanwhile"
+        program.out().line(place.is_package ? "saved into a copy of the package, which took its place"
                                             : "saved beside the old files, then exchanged for them");
     return kDone;
 }

@@ -26,13 +26,6 @@ bool becomes_package(const fs::path& path, const ImportOptions& options) {
     return options.package || (!options.folder && path.extension() == ".vlt");
 }
 
-/// The lock on a database that is to be replaced.
-std::optional<HostLock> lock_of(const Destination& destination, bool no_lock) {
-    const fs::path file = destination.is_package ? destination.path : destination.path / exchange::kDatabaseFiles[0];
-    if (no_lock || file_status(file).kind != FileStatus::Kind::file) return {};
-    return std::optional<HostLock>(std::in_place, file, HostLock::Mode::exclusive);
-}
-
 void import_from(const ImportOptions& options, const exchange::OpenEmpty& open_empty) {
     const fs::path source = path_of(options.source);
     std::error_code error;
@@ -90,7 +83,10 @@ void make_database(const ImportOptions& options, const std::function<void(const 
     destination.force = options.force;
     destination.sync = options.sync;
     check_destination(destination);
-    std::optional<HostLock> lock = lock_of(destination, options.no_lock);
+    destination.words = options.words;
+    std::optional<HostLock> lock;
+    if (!options.no_lock) lock_destination(destination, HostLock::Mode::exclusive, lock);
+    bring_back(destination);
     DatabaseCopy copy(options.database, options.encoding, scratch_place(destination));
     try {
         fill([&](const exchange::Schema& schema) { return copy.begin(schema); });
@@ -98,7 +94,7 @@ void make_database(const ImportOptions& options, const std::function<void(const 
         throw Failure(options.source, error.what());
     }
     check_interrupt();
-    install_database(copy.save(), destination);
+    install_database(copy.save(), destination, lock);
 }
 
 void add_db_import_verb(Program& program, Verb group) {
@@ -115,6 +111,7 @@ void add_db_import_verb(Program& program, Verb group) {
     verb.add_flag("--folder", options->folder, "make a folder, whatever its name");
     declare_bill_options(verb, *options);
     verb.add_flag("-f,--force", options->force, "replace the database that stands there; its documents stay");
+    options->words.declare(verb, Access::write);
     verb.add_option("--encoding", options->encoding,
                     "code page of the values in DB, such as CP932; UTF-8 if not given");
     verb.add_flag("--no-lock", options->no_lock, "go ahead although another process uses the package");

@@ -10,6 +10,7 @@ namespace tool {
 
 struct ImportOptions {
     std::string source, database, encoding, source_encoding;
+    Credentials words;
     bool package = false, folder = false, force = false, quiet = false, no_lock = false, sync = false;
     // Of a flat bill of material:
     bool bom = false, check = false, accept = false, json = false, make_template = false;

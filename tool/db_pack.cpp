@@ -21,6 +21,7 @@ constexpr std::size_t kPiece = 1 << 18;
 
 struct PackOptions {
     std::string folder, package, encoding;
+    Credentials words;
     bool force = false, quiet = false, no_lock = false, sync = false;
 };
 
@@ -187,6 +188,7 @@ int unpack(Program&, const PackOptions& options) {
     const fs::path folder = without_slash(path_of(options.folder));
     PackageOptions opened;
     opened.path = options.package;
+    opened.words = options.words;
     opened.encoding = options.encoding;
     opened.no_lock = options.no_lock;
     const Package package(opened, Access::read);
@@ -242,6 +244,7 @@ void add_db_pack_verbs(Program& program, Verb group) {
                                       "vlt db unpack bicycle.vlt bicycle");
     unpack_verb.add_option("PACKAGE", unpacking->package, "the package").required();
     unpack_verb.add_option("FOLDER", unpacking->folder, "the folder; documents go into `docs` in it").required();
+    unpacking->words.declare(unpack_verb, Access::read);
     declare(unpack_verb, *unpacking);
     program.on_run(unpack_verb, unpacking, unpack);
 }

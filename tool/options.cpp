@@ -6,6 +6,14 @@
 
 namespace tool {
 
+void Credentials::declare(Verb verb, Access access) {
+    if (access == Access::read)
+        verb.add_option("--read-word", read, "word that lets read (or $VLT_READ_WORD)")
+            .from_environment("VLT_READ_WORD");
+    verb.add_option("--write-word", write, "word that lets write (or $VLT_WRITE_WORD)")
+        .from_environment("VLT_WRITE_WORD");
+}
+
 void PackageOptions::declare(Verb verb, Access access) {
     verb.add_option("PACKAGE", path, "the package").required();
     declare_options(verb, access);
@@ -17,11 +25,7 @@ void PackageOptions::declare_inspection(Verb verb) {
 }
 
 void PackageOptions::declare_options(Verb verb, Access access) {
-    if (access == Access::read)
-        verb.add_option("--read-word", words.read, "word that lets read (or $VLT_READ_WORD)")
-            .from_environment("VLT_READ_WORD");
-    verb.add_option("--write-word", words.write, "word that lets write (or $VLT_WRITE_WORD)")
-        .from_environment("VLT_WRITE_WORD");
+    words.declare(verb, access);
     declare_place(verb);
     if (access == Access::write) verb.add_flag("--sync", sync, "wait until everything is on the disk");
 }

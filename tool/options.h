@@ -14,6 +14,9 @@ enum class Access { read, write };
 /// The words that grant access to a package.
 struct Credentials {
     std::string read, write;
+
+    /// Declares the options. Words that are not given come from VLT_READ_WORD and VLT_WRITE_WORD.
+    void declare(Verb verb, Access access);
 };
 
 /// A package on the command line.
@@ -24,7 +27,7 @@ struct PackageOptions {
     std::int64_t offset = 0;
     bool no_lock = false, sync = false;
 
-    /// Declares `PACKAGE` and the options. Words that are not given come from VLT_READ_WORD and VLT_WRITE_WORD.
+    /// Declares `PACKAGE` and the options.
     void declare(Verb verb, Access access);
     /// The same without words, for verbs that look at the bytes and ask for none.
     void declare_inspection(Verb verb);

@@ -24,6 +24,7 @@ fs::path new_folder(const fs::path& parent) {
     fs::path path = parent / random_name();
     if (!fs::create_directory(path, error) || error)
         throw Failure(text_of(parent), "nothing can be written there; is the folder there, and may you write to it?");
+    fs::permissions(path, fs::perms::owner_all, error);  // what a word protects may pass through it
     return path;
 }
 

@@ -88,6 +88,9 @@ private:
 /// Puts a file under the name `to`; fails with `Failure` if something stands there, unless `replace`.
 void move_file(const fs::path& from, const fs::path& to, bool replace);
 
+/// Gives a file the owner and the permissions of another one, as far as the system lets.
+void copy_access(const fs::path& from, const fs::path& to);
+
 /// Waits until the bytes of a file are on the disk, and the folder's entry of it as well.
 void sync_file(const fs::path& path);
 

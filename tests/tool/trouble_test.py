@@ -35,8 +35,10 @@ def names(package):
 def interrupted():
     new_package("ctrl-c.vlt")
     adding = add_from_pipe("ctrl-c.vlt")
-    adding.send_signal(signal.SIGINT)
-    said = adding.communicate()[1]
+    while adding.poll() is None:  # a signal just before a read does not end it
+        adding.send_signal(signal.SIGINT)
+        time.sleep(0.01)
+    said = adding.stderr.read()
     assert adding.returncode == 130 and "endless: was stored in part and is removed again" in said, said
     assert names("ctrl-c.vlt") == ["before"] and run("check", "ctrl-c.vlt").returncode == 0
 
@@ -52,6 +54,52 @@ def killed():
         checked = run("check", package)
         assert checked.returncode == 0, checked.stdout
         assert "before" in names(package)
+
+
+def state(database):
+    """What a database holds, once a change that was cut off is brought back."""
+    if pathlib.Path(database, "vlt-old").exists():
+        assert "a change was cut off" in run("db", "info", database).stderr
+        assert run("db", "edit", database).returncode == 0
+    exported = run("db", "export", database, "--jsonl")
+    assert exported.returncode == 0, exported.stderr
+    return exported.stdout
+
+
+def edits_killed():
+    """At moments from the start to the end, and as soon as files begin to be exchanged."""
+    pathlib.Path("bill.csv").write_text("parent,code,name\n,A,top\n" + "".join(f"A,B{i},part\n" for i in range(5000)))
+    for before, begins in (("before", "vlt-old"), ("before.vlt", ".vlt-*")):
+        assert run("db", "import", "--bom", "bill.csv", before).returncode == 0
+        states, (copy, shelf) = set(), (before.replace("before", "edited"), pathlib.Path("shelf"))
+        for moment in range(30):
+            shutil.rmtree(shelf, ignore_errors=True)
+            shelf.mkdir()
+            (shutil.copytree if pathlib.Path(before).is_dir() else shutil.copy)(before, shelf / copy)
+            editing = subprocess.Popen([vlt, "db", "edit", shelf / copy, "--add", "N", "--line", "B1:N", "--add-field",
+                                        "W", "--set", "A:W=1"], stdout=subprocess.DEVNULL)
+            end = time.monotonic() + (0.004 * moment if moment < 20 else 10)
+            while editing.poll() is None and time.monotonic() < end:
+                if moment >= 20 and any((shelf / copy if begins == "vlt-old" else shelf).glob(begins)): break
+            editing.kill()
+            editing.wait()
+            states.add(state(shelf / copy))
+        assert run("db", "edit", before, "--add", "N", "--line", "B1:N", "--add-field", "W", "--set", "A:W=1").returncode == 0
+        assert state(before) in states and len(states) <= 2, len(states)
+
+
+def endless_paths():
+    """A product with more paths than can be listed ends when asked to."""
+    lines = "".join(f"P{i},P{i + 1},1\n" * 2 for i in range(100))
+    pathlib.Path("paths.csv").write_text(f"parent,code,quantity\n,P0,\n{lines}")
+    assert run("db", "import", "--bom", "paths.csv", "paths", "--accept").returncode in (0, 1)
+    listing = subprocess.Popen([vlt, "bom", "where-used", "paths", "P100", "--all"], stdout=subprocess.PIPE,
+                               stderr=subprocess.PIPE)
+    listing.stdout.read(1000000)
+    listing.send_signal(signal.SIGINT)
+    assert b"interrupted" in listing.communicate()[1] and listing.returncode == 130
+    cut = run("bom", "where-used", "paths", "P100", "--all", "--limit", "5")
+    assert cut.returncode == 1 and len(cut.stdout.splitlines()) == 6 and "the first 5 are shown" in cut.stderr, cut
 
 
 def two_writers():
@@ -79,6 +127,6 @@ def full_disk():
     assert list(pathlib.Path("out").iterdir()) == []
 
 
-for trouble in (interrupted, killed, two_writers, full_disk):
+for trouble in (interrupted, killed, edits_killed, endless_paths, two_writers, full_disk):
     trouble()
     print(trouble.__name__, "passed")

@@ -140,6 +140,13 @@ void move_file(const fs::path& from, const fs::path& to, bool replace) {
     if (rename(from.c_str(), to.c_str()) != 0) fail(to);
 }
 
+void copy_access(const fs::path& from, const fs::path& to) {
+    struct stat found {};
+    if (stat(from.c_str(), &found) != 0) return;
+    if (chown(to.c_str(), found.st_uid, found.st_gid) != 0) errno = 0;  // only the owner may, or root
+    chmod(to.c_str(), found.st_mode & 07777);
+}
+
 void sync_file(const fs::path& path) {
     const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
     for (const fs::path& each : {path, folder}) {

@@ -129,6 +129,8 @@ void move_file(const fs::path& from, const fs::path& to, bool replace) {
     if (!MoveFileExW(from.c_str(), to.c_str(), replace ? MOVEFILE_REPLACE_EXISTING : 0)) fail(to);
 }
 
+void copy_access(const fs::path&, const fs::path&) {}  // a new file has those of its folder
+
 void sync_file(const fs::path& path) {
     const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                     OPEN_EXISTING, 0, nullptr);
