@@ -139,10 +139,12 @@ bool holds_database(const fs::path& folder) {
     return is_there(folder / "kdbmain.txt") && is_there(folder / "bitm.txt") && is_there(folder / "bbom.txt");
 }
 
-/// Brings old files back to their place, and removes those that were not there. May be cut off and done again.
-void restore(const fs::path& place, const fs::path& old) {
+/// Brings old files back to their place, and removes those that were not there; the lock is given up before the file
+/// that bears it is replaced. May be cut off and done again.
+void restore(const fs::path& place, const fs::path& old, std::optional<HostLock>& lock) {
     const ScratchFolder scratch(place);
-    for (const char* name : exchange::kDatabaseFiles) {
+    for (const std::string& name : files_that_differ(old, place)) {
+        if (name == exchange::kDatabaseFiles[0]) lock.reset();
         std::error_code error;
         if (!is_there(old / name)) {
             fs::remove(place / name, error);
@@ -171,7 +173,7 @@ void install_into_folder(const fs::path& folder, const Destination& destination,
         }
         sync_files(place, destination.sync);
     } catch (...) {
-        restore(place, had_database ? place / kOldFiles : scratch / "old");
+        restore(place, had_database ? place / kOldFiles : scratch / "old", lock);
         throw;
     }
     if (is_there(place / kOldFiles)) move_file(place / kOldFiles, scratch / "done", false);
@@ -255,12 +257,14 @@ void lock_destination(const Destination& destination, HostLock::Mode mode, std::
     if (file_status(file).kind == FileStatus::Kind::file) lock.emplace(file, mode);
 }
 
-void bring_back(const Destination& destination) {
+void bring_back(const Destination& destination, std::optional<HostLock>& lock) {
     const fs::path old = destination.path / kOldFiles;
     if (destination.is_package || !is_there(old)) return;
     if (!holds_database(old))
         throw Failure(text_of(old), "holds no database as it was before a change; move it away, then try again");
-    restore(destination.path, old);
+    const bool locked = lock.has_value();
+    restore(destination.path, old, lock);
+    if (locked && !lock) lock_destination(destination, HostLock::Mode::exclusive, lock);
     warn(text_of(destination.path) + ": a change was cut off; the files are as they were before it");
 }
 

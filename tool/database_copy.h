@@ -62,8 +62,8 @@ void check_destination(const Destination& destination);
 void lock_destination(const Destination& destination, HostLock::Mode mode, std::optional<HostLock>& lock);
 
 /// Puts the files of a folder back as they were before a change that was cut off, if one was. The caller holds the
-/// lock.
-void bring_back(const Destination& destination);
+/// lock, which may be given up and taken again.
+void bring_back(const Destination& destination, std::optional<HostLock>& lock);
 
 /// Brings the seven files of a folder, which may become the destination, to their place. A new folder or package
 /// appears whole; a package that is there is replaced by a changed copy. In a folder that is there each file that

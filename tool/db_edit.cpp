@@ -280,7 +280,7 @@ int edit(Program& program, const EditOptions& options) {
     std::optional<HostLock> lock;
     if (!options.database.no_lock)
         lock_destination(destination, options.dry_run ? HostLock::Mode::shared : HostLock::Mode::exclusive, lock);
-    if (!options.dry_run) bring_back(destination);
+    if (!options.dry_run) bring_back(destination, lock);
 
     DatabaseCopy copy(options.database.path, options.database.encoding,
                       options.dry_run ? temporary_folder() : scratch_place(destination));

@@ -86,7 +86,7 @@ void make_database(const ImportOptions& options, const std::function<void(const 
     destination.words = options.words;
     std::optional<HostLock> lock;
     if (!options.no_lock) lock_destination(destination, HostLock::Mode::exclusive, lock);
-    bring_back(destination);
+    bring_back(destination, lock);
     DatabaseCopy copy(options.database, options.encoding, scratch_place(destination));
     try {
         fill([&](const exchange::Schema& schema) { return copy.begin(schema); });
