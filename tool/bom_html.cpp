@@ -111,7 +111,6 @@ int make_page(Program&, const HtmlOptions& options) {
         throw Failure(options.output, "exists already; give -f to replace it");
     NewFile page(target.parent_path());
     PageWriter(page.file(), db, options).write(data);
-    page.file().close();
     page.move_to(target, options.force);
     return kDone;
 }

@@ -9,6 +9,7 @@
 #include "tool/package.h"
 #include "tool/program.h"
 #include "tool/progress.h"
+#include "tool/sealed.h"
 
 namespace tool {
 
@@ -50,7 +51,16 @@ public:
     }
 
     const std::vector<inspect::Entry>& entries() const { return entries_; }
-    std::int64_t first_data_block() const { return header_blocks_ + directory_blocks_; }
+
+    /// Calls `visit` with each entry and the block that its file begins in.
+    template <typename Visit>
+    void for_each_file(Visit visit) const {
+        std::int64_t block = header_blocks_ + directory_blocks_;
+        for (const inspect::Entry& entry : entries_) {
+            visit(entry, block);
+            block += entry.blocks();
+        }
+    }
 
     /// Header and directory, as the blocks that stand before the files.
     Bytes front(const inspect::Bytes& old_header) const {
@@ -58,11 +68,9 @@ public:
         std::copy_n(old_header.begin(), inspect::kMap, header.begin());
         link(header, 0, 2, header_blocks_ - 1);
         link(header, 1, header_blocks_ + 1, directory_blocks_ - 1);
-        std::int64_t block = first_data_block();
-        for (const inspect::Entry& entry : entries_) {
+        for_each_file([&](const inspect::Entry& entry, std::int64_t block) {
             if (entry.blocks() > 0) link(header, block, block + 1, entry.blocks() - 1);
-            block += entry.blocks();
-        }
+        });
         Bytes result(header.begin(), header.begin() + kBlock);
         result.insert(result.end(), directory.begin(), directory.begin() + kBlock);
         result.insert(result.end(), header.begin() + kBlock, header.end());
@@ -86,8 +94,7 @@ private:
     Bytes directory_run() const {
         Bytes run(static_cast<std::size_t>(directory_blocks_ * kBlock));
         std::size_t at = 0;
-        std::int64_t block = first_data_block();
-        for (const inspect::Entry& entry : entries_) {
+        for_each_file([&](const inspect::Entry& entry, std::int64_t block) {
             run[at] = static_cast<std::uint8_t>(entry.kind);
             put(run, at + inspect::kFirstBlock, entry.blocks() > 0 ? static_cast<std::uint32_t>(block + 1) : 0u);
             put(run, at + inspect::kSize, static_cast<std::uint64_t>(entry.size));
@@ -96,8 +103,7 @@ private:
             put_stamp(run, at + inspect::kWritten, entry.written);
             put_name(run, at + inspect::kName, entry.name);
             at += static_cast<std::size_t>(inspect::EntrySize(wide_));
-            block += entry.blocks();
-        }
+        });
         return run;
     }
 
@@ -116,18 +122,66 @@ private:
     std::int64_t header_blocks_ = 1, directory_blocks_ = 1, block_count_ = 0;
 };
 
-/// Reads a file of the old package whole; a damaged one is no reason to write half of it.
-void read_whole(const Inspected& old, const inspect::Entry& entry, const inspect::Sink& sink) {
-    if (entry.size >= 0 && inspect::ReadStored(old.package, entry.start(), entry.size, sink) == entry.size) return;
-    throw Failure(old.path(), old.shown(entry.name) + ": damaged; `vlt salvage` saves what can be read");
-}
+/// What the new package holds: the files of the old one, and of a sealed one the sums made anew, because they name
+/// the blocks of each file.
+class Contents {
+public:
+    Contents(const Inspected& old, Progress& progress) : old_(old) {
+        const FoundSums found = find_sums(old, false, progress);
+        if (found.entry < 0 || !found.sums || found.sums->id.empty()) return;
+        sums_ = *found.sums;
+        sums_entry_ = found.entry;
+    }
 
-void write(const Inspected& old, const Layout& layout, HostFile& file, Progress& progress) {
-    const Bytes front = layout.front(old.package.map().header_run());
+    const Inspected& old() const { return old_; }
+
+    /// The sums come last: how long they are moves no other file, save by a longer header.
+    Layout lay_out(std::vector<inspect::Entry> entries) {
+        const auto sums = std::find_if(entries.begin(), entries.end(),
+                                       [&](const inspect::Entry& entry) { return entry.index == sums_entry_; });
+        if (sums == entries.end()) return {std::move(entries), old_.package.wide()};
+        std::rotate(sums, sums + 1, entries.end());
+        // Longer sums move files back, if at all, and higher numbers make sums no shorter: so this ends.
+        for (entries.back().size = 0;; entries.back().size = static_cast<std::int64_t>(sums_text_.size())) {
+            Layout layout(entries, old_.package.wide());
+            place_sums(layout);
+            if (static_cast<std::int64_t>(sums_text_.size()) == entries.back().size) return layout;
+        }
+    }
+
+    /// Reads a file whole; a damaged one is no reason to write half of it.
+    void read(const inspect::Entry& entry, const inspect::Sink& sink) const {
+        if (entry.index == sums_entry_)
+            return sink(reinterpret_cast<const std::uint8_t*>(sums_text_.data()), sums_text_.size());
+        if (entry.size >= 0 && ReadStored(old_.package, entry.start(), entry.size, sink) == entry.size) return;
+        throw Failure(old_.path(), old_.shown(entry.name) + ": damaged; `vlt salvage` saves what can be read");
+    }
+
+private:
+    void place_sums(const Layout& layout) {
+        for (auto& [name, sum] : sums_.by_name) sum.runs.clear(), sum.all_runs = false;
+        layout.for_each_file([&](const inspect::Entry& entry, std::int64_t block) {
+            const auto sum = sums_.by_name.find(folded(old_.stored(entry.name)));
+            if (sum == sums_.by_name.end() || sum->second.size != entry.size) return;
+            sum->second.all_runs = true;
+            if (entry.blocks() > 0)
+                sum->second.runs = {{static_cast<std::int32_t>(block), static_cast<std::int32_t>(entry.blocks())}};
+        });
+        sums_text_ = sums_.text();
+    }
+
+    const Inspected& old_;
+    Sums sums_;
+    int sums_entry_ = -1;
+    std::string sums_text_;
+};
+
+void write(const Contents& contents, const Layout& layout, HostFile& file, Progress& progress) {
+    const Bytes front = layout.front(contents.old().package.map().header_run());
     file.write(front.data(), front.size());
     const Bytes zeros(kBlock);
     for (const inspect::Entry& entry : layout.entries()) {
-        read_whole(old, entry, [&](const std::uint8_t* bytes, std::size_t count) {
+        contents.read(entry, [&](const std::uint8_t* bytes, std::size_t count) {
             file.write(bytes, count);
             progress.advance(count);
         });
@@ -135,22 +189,21 @@ void write(const Inspected& old, const Layout& layout, HostFile& file, Progress&
     }
 }
 
-/// Compares what was written with the old package, byte for byte, and sees that the library opens it.
-void compare(const Inspected& old, const Layout& layout, const PackageOptions& made_options, Progress& progress) {
+/// Compares what was written with what should be, byte for byte, and sees that the library opens it.
+void compare(const Contents& contents, const Layout& layout, const PackageOptions& made_options, Progress& progress) {
     const inspect::HostFile made(library_path(path_of(made_options.path)));
-    auto place = static_cast<std::uint64_t>(layout.first_data_block()) * kBlock;
+    const Inspected& old = contents.old();
     Bytes read;
-    for (const inspect::Entry& entry : layout.entries()) {
-        std::uint64_t at = place;
-        read_whole(old, entry, [&](const std::uint8_t* bytes, std::size_t count) {
+    layout.for_each_file([&](const inspect::Entry& entry, std::int64_t block) {
+        std::uint64_t at = static_cast<std::uint64_t>(block) * kBlock;
+        contents.read(entry, [&](const std::uint8_t* bytes, std::size_t count) {
             read.resize(count);
             if (made.Read(at, read.data(), count) != count || !std::equal(read.begin(), read.end(), bytes))
                 throw Failure(old.path(), old.shown(entry.name) + ": came out different; is the disk sound?");
             at += count;
             progress.advance(count);
         });
-        place += static_cast<std::uint64_t>(entry.blocks()) * kBlock;
-    }
+    });
     if (Package(made_options, Access::read).entries().size() != layout.entries().size())
         throw Failure(old.path(), "files are missing in the new package");
 }
@@ -167,15 +220,16 @@ int compact(Program&, const CompactOptions& options) {
         entries.push_back(entry);
         bytes += static_cast<std::uint64_t>(std::max<std::int64_t>(entry.size, 0));
     });
-    const Layout layout(std::move(entries), old.package.wide());
     Progress progress("compact", 2 * bytes, options.quiet);
+    Contents contents(old, progress);
+    const Layout layout = contents.lay_out(std::move(entries));
     NewFile made(target.has_parent_path() ? target.parent_path() : fs::path("."));
-    write(old, layout, made.file(), progress);
+    write(contents, layout, made.file(), progress);
     made.file().close();
     PackageOptions made_options = options.package;
     made_options.path = text_of(made.path());
     made_options.offset = 0;
-    compare(old, layout, made_options, progress);
+    compare(contents, layout, made_options, progress);
     if (options.package.sync) sync_file(made.path());
     made.move_to(target, false);
     return kDone;

@@ -24,13 +24,6 @@ fs::path place_of(const fs::path& path) {
     return path.has_parent_path() ? path.parent_path() : fs::path(".");
 }
 
-std::string whole_file(const fs::path& path, std::int64_t size) {
-    std::string bytes(static_cast<std::size_t>(size), '\0');
-    HostFile file = HostFile::open(path);
-    bytes.resize(file.read(bytes.data(), bytes.size()));
-    return bytes;
-}
-
 void list_folder(const fs::path& folder, const Names& names, std::vector<Document>& documents) {
     std::error_code error;
     for (fs::directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
@@ -96,9 +89,8 @@ DatabaseFiles::DatabaseFiles(const DatabaseOptions& options) : place_(options), 
 std::optional<std::string> DatabaseFiles::read(const std::string& name) const {
     if (!package_) {
         const fs::path path = place_.path / name;
-        const FileStatus status = file_status(path);
-        if (status.kind == FileStatus::Kind::missing) return std::nullopt;
-        return whole_file(path, status.size);
+        if (file_status(path).kind == FileStatus::Kind::missing) return std::nullopt;
+        return whole_file(text_of(path));
     }
     const auto entry = package_->find(name);
     if (!entry) return std::nullopt;
@@ -109,7 +101,7 @@ std::optional<std::string> DatabaseFiles::read(const std::string& name) const {
 }
 
 std::string DatabaseFiles::read(const Document& document) const {
-    if (!package_) return whole_file(document.path, document.size);
+    if (!package_) return whole_file(text_of(document.path));
     if (auto bytes = read(document.name)) return *std::move(bytes);
     throw Failure(document.name, "is no longer there");
 }

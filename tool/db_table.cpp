@@ -8,6 +8,7 @@
 
 #include "bom/decimal.h"
 #include "bom/text.h"
+#include "exchange/csv.h"
 #include "tool/db_verbs.h"
 #include "tool/failure.h"
 #include "tool/items.h"
@@ -132,26 +133,22 @@ void print_text(const Selection& selection, Output& out) {
     }
 }
 
-/// A value as CSV files hold it.
-std::string quoted(const std::string& text) {
-    if (text.find_first_of(",\"\r\n") == text.npos) return text;
-    std::string result = "\"";
-    for (const char c : text) result += c == '"' ? "\"\"" : std::string(1, c);
-    return result + '"';
-}
-
 void print_csv(const Selection& selection, Output& out) {
+    exchange::Output csv([&](std::string_view text) { out.bytes(text); });
     const auto print = [&](auto cell) {
-        std::string line;
-        for (const std::int32_t field : selection.fields()) line += quoted(cell(field)) + ',';
-        line.back() = '\r';
-        out.line(line);
+        for (std::size_t i = 0; i < selection.fields().size(); ++i) {
+            if (i > 0) csv.add(',');
+            exchange::add_csv(csv, cell(selection.fields()[i]).c_str());
+        }
+        csv.add("\r\n");
+        csv.end_record();
     };
     const Names& names = selection.database().names();
     print([&](std::int32_t field) { return selection.name(field); });
     for (const std::int32_t rec : selection.records()) {
         print([&](std::int32_t field) { return names.plain(selection.text(rec, field)); });
     }
+    csv.flush();
 }
 
 void print_json(const Selection& selection, Output& out) {

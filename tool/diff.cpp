@@ -10,6 +10,7 @@
 #include "tool/program.h"
 #include "tool/progress.h"
 #include "tool/stamps.h"
+#include "tool/sums.h"
 
 namespace tool {
 
@@ -42,6 +43,7 @@ Items items_of_folder(const std::string& path) {
         warn(shown_text(path + "/" + each.name) + ": not compared: " + each.reason);
     Items items;
     for (const SourceFile& file : collector.files) {
+        if (folded(file.name) == kSumsName) continue;
         const auto open = [path = file.path]() -> ReadPiece {
             auto host = std::make_shared<HostFile>(HostFile::open(path));
             return [host](char* to, std::size_t length) {
@@ -58,7 +60,7 @@ Items items_of_folder(const std::string& path) {
 Items items_of_package(const std::shared_ptr<Package>& package) {
     Items items;
     package->for_each([&](const Entry& entry) {
-        if (entry.of_other_maker) return;
+        if (entry.of_other_maker || folded(entry.name) == kSumsName) return;
         const auto open = [package, entry]() -> ReadPiece {
             auto file = std::make_shared<StoredFile>(package->open_to_read(entry));
             return [package, file](char* to, std::size_t length) { return file->read(to, length); };

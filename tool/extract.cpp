@@ -1,5 +1,6 @@
 // SPDX-License-Identifier: MIT
 // vlt cat, vlt extract
+#include <algorithm>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -10,6 +11,7 @@
 #include "tool/progress.h"
 #include "tool/safe_names.h"
 #include "tool/stamps.h"
+#include "tool/sums.h"
 
 namespace tool {
 
@@ -114,7 +116,6 @@ private:
             return failure.what();
         }
         if (const auto written = seconds_of_stamp(entry.written)) made.file().set_written(*written);
-        made.file().close();
         made.move_to(target, options_.force);
         return "";
     }
@@ -137,13 +138,20 @@ private:
     std::vector<std::string> refused_;
 };
 
+/// The sums of a sealed package are its own affair, unless somebody asks for them by their name.
+bool names_the_sums(const std::vector<std::string>& patterns) {
+    return std::any_of(patterns.begin(), patterns.end(),
+                       [](const std::string& pattern) { return folded(pattern) == kSumsName; });
+}
+
 int extract(Program&, const ExtractOptions& options) {
     const Package package(options.package, Access::read);
     Selection selection(options.patterns, package.names());
     std::vector<Entry> entries;
     std::uint64_t bytes = 0;
+    const bool with_sums = names_the_sums(options.patterns);
     package.for_each([&](const Entry& entry) {
-        if (!selection.selects(entry.name)) return;
+        if ((folded(entry.name) == kSumsName && !with_sums) || !selection.selects(entry.name)) return;
         entries.push_back(entry);
         bytes += static_cast<std::uint64_t>(entry.size);
     });

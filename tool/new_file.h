@@ -23,8 +23,9 @@ public:
     HostFile& file() { return file_; }
     /// Where it is until it is moved.
     const fs::path& path() const { return path_; }
+    /// A file that cannot be closed, for want of room on its disk, is not moved.
     void move_to(const fs::path& target, bool replace) {
-        file_.close_quietly();
+        file_.close();
         move_file(path_, target, replace);
         moved_ = true;
     }

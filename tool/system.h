@@ -76,6 +76,7 @@ public:
     std::size_t read(void* buffer, std::size_t length);
     void write(const void* data, std::size_t length);
     void set_written(std::int64_t seconds);
+    /// Does nothing when it is closed already.
     void close();
     void close_quietly() noexcept;
 

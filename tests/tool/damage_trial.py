@@ -60,18 +60,25 @@ class Trial:
         self.files = {f"part {i % 7}/file{i}.bin": chance.randbytes(size) for i, size in enumerate(sizes)}
         self.package = Package(self.files, chance)
         (scratch / "good.vlt").write_bytes(self.package.host)
-        self.vlt("seal", "good.vlt")
+        self.vlt("seal", "good.vlt", statuses=[0])
         self.good = (scratch / "good.vlt").read_bytes()
-        self.sums = dict(reversed(line.split("  ", 1)) for line in self.vlt("sum", "good.vlt").split("\n")[:-1])
-        assert self.vlt("check", "good.vlt") == "sound\n" and set(self.sums) == set(self.files)
+        lines = self.vlt("sum", "good.vlt", statuses=[0]).split("\n")[:-1]
+        self.sums = dict(reversed(line.split("  ", 1)) for line in lines)
+        unlike = sorted(set(self.sums) ^ set(self.files))
+        assert not unlike, f"{len(unlike)} names have no sum, or no file: {unlike[:5]}\n{self.said}"
+        assert self.vlt("check", "good.vlt", statuses=[0]) == "sound\n", self.said
         self.own = set(self.package.own)
         self.figures = dict.fromkeys(["changed", "missed", "wrongly named", "undamaged", "not brought back",
                                       "own bytes hit"], 0)
 
-    def vlt(self, *words):
+    def vlt(self, *words, statuses=(0, 1)):
+        """Returns what the program printed; `said` has what a failed trial should tell of it."""
         done = subprocess.run([*self.command, *words], cwd=self.scratch, capture_output=True, timeout=300)
-        if done.returncode not in (0, 1): raise SystemExit(f"vlt {' '.join(words)}: {done.stderr.decode()}")
-        return done.stdout.decode("utf-8", "backslashreplace")
+        printed, errors = (text.decode("utf-8", "backslashreplace") for text in (done.stdout, done.stderr))
+        self.said = "\n".join([f"vlt {' '.join(words)}: status {done.returncode}; on stdout, {len(printed)} characters:",
+                               *printed.splitlines()[:10], "on stderr:", errors])
+        if done.returncode not in statuses: raise SystemExit(self.said)
+        return printed
 
     def damage(self, number):
         """Writes bad.vlt; returns the names of the files whose bytes it changed."""

@@ -116,9 +116,7 @@ def changes_like_a_folder():
             if folder.is_dir() and not [*folder.iterdir()]: folder.rmdir()  # a package has no empty ones
         shutil.rmtree("out", ignore_errors=True)
         assert run("extract", "rw.vlt", "-C", "out").returncode == 0
-        (model / ".vlt-sums").write_bytes(pathlib.Path("out/.vlt-sums").read_bytes())
         assert not [*differences(filecmp.dircmp("out", model))]
-        (model / ".vlt-sums").unlink()
 
 
 def refusals():

@@ -121,6 +121,7 @@ void HostFile::set_written(std::int64_t seconds) {
 }
 
 void HostFile::close() {
+    if (handle_ < 0) return;
     const int file = static_cast<int>(handle_);
     handle_ = -1;
     if (::close(file) != 0) fail(path_);

@@ -120,6 +120,7 @@ void HostFile::set_written(std::int64_t seconds) {
 }
 
 void HostFile::close() {
+    if (handle_ == kNone) return;
     const HANDLE file = handle_of(handle_);
     handle_ = kNone;
     if (!CloseHandle(file)) fail(path_);
