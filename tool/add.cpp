@@ -81,6 +81,7 @@ private:
                 file.write(piece_.data(), length);
                 progress_.advance(length);
             }
+            check_interrupt();  // Ctrl-C ends the program before the pipe as well: what came is not all of it
             file.close();
             set_times(source, name);
         } catch (...) {
