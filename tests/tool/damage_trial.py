@@ -75,8 +75,8 @@ class Trial:
         """Returns what the program printed; `said` has what a failed trial should tell of it."""
         done = subprocess.run([*self.command, *words], cwd=self.scratch, capture_output=True, timeout=300)
         printed, errors = (text.decode("utf-8", "backslashreplace") for text in (done.stdout, done.stderr))
-        self.said = "\n".join([f"vlt {' '.join(words)}: status {done.returncode}; on stdout, {len(printed)} characters:",
-                               *printed.splitlines()[:10], "on stderr:", *errors.splitlines()[:10]])
+        self.said = "\n".join([f"vlt {' '.join(words)}: status {done.returncode}; stdout, {len(printed)} characters:",
+                               *printed.splitlines()[:10], "stderr:", *errors.splitlines()[:10]])
         if done.returncode not in statuses: raise SystemExit(self.said)
         return printed
 
