@@ -41,8 +41,8 @@ public:
     }
 
     void print() {
-        for (bom::Item item = 0; item < items_.graph().items();
-             ++item) {  // in record order, which is quicker to read
+        const auto items = items_.graph().items();
+        for (bom::Item item = 0; item < items; ++item) {  // in record order, which is quicker to read
             if (!is_part(item)) continue;
             quantity_width_ = std::max(quantity_width_, text_width(quantity(item)));
             code_width_ = std::max(code_width_, text_width(items_.label(item)));
