@@ -97,10 +97,12 @@ double search_row(const Search& row, const std::string& n, const std::vector<std
     const auto in_sqlite = [&] {
         for (const auto& k : keys) sum += sqlite.count(select, k.c_str());
     };
-    database_row(
-        row.work + n,
-        {timed("plain", plain), {"library", [&] { return last = seconds_of(library); }}, timed("SQLite", in_sqlite)},
-        rounds, row.goal);
+    const auto seconds = [&] {
+        last = seconds_of(library);
+        return last;
+    };
+    database_row(row.work + n, {timed("plain", plain), {"library", seconds}, timed("SQLite", in_sqlite)}, rounds,
+                 row.goal);
     need(sum != 0, "a search");
     return last;
 }

@@ -32,7 +32,8 @@ bool Fails(FaultCall call) {
     if (!armed || !(armed_calls & call)) return false;
     if (calls_left > 0) --calls_left;
     if (calls_left > 0 || (fault_hit && !armed_from_then_on)) return false;
-    return fault_hit = true;
+    fault_hit = true;
+    return true;
 }
 
 /// A call that makes what has to be given back, or fails.

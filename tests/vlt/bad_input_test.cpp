@@ -24,7 +24,7 @@ protected:
         Write("a", 5000);
         before_ = ReadHostFile(path);
     }
-    void TearDown() override { EXPECT_EQ(before_, ReadHostFile(path)); }
+    void TearDown() override { EXPECT_EQ(ReadHostFile(path), before_); }
 
     /// A handle with a name is refused; where the name is the reason, the listing that needs none is not.
     template <typename Char>
@@ -32,15 +32,15 @@ protected:
         const auto [open, get_info, set_time, remove, enumerate] = FunctionsFor(name);
         std::uint32_t error = 99;
         FileInfo info;
-        EXPECT_EQ(0, open(handle, name, VLT_MODE_WRITE, 0, 1, &error));
-        EXPECT_EQ(open_error, error);
-        EXPECT_EQ(0, open(handle, name, VLT_MODE_WRITE, 0, 1, nullptr));
-        EXPECT_EQ(0, get_info(handle, name, &info.kind, &info.size, &info.created, &info.accessed, &info.written));
-        EXPECT_EQ(FileInfo{}, info);
-        EXPECT_EQ(0, set_time(handle, name, 1, 2, 3));
-        EXPECT_EQ(0, remove(handle, name));
-        EXPECT_EQ(open_error == VLT_FILE_NOT_FOUND,
-                  enumerate(handle, 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr));
+        EXPECT_EQ(open(handle, name, VLT_MODE_WRITE, 0, 1, &error), 0);
+        EXPECT_EQ(error, open_error);
+        EXPECT_EQ(open(handle, name, VLT_MODE_WRITE, 0, 1, nullptr), 0);
+        EXPECT_EQ(get_info(handle, name, &info.kind, &info.size, &info.created, &info.accessed, &info.written), 0);
+        EXPECT_EQ(info, FileInfo{});
+        EXPECT_EQ(set_time(handle, name, 1, 2, 3), 0);
+        EXPECT_EQ(remove(handle, name), 0);
+        EXPECT_EQ(enumerate(handle, 0, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr),
+                  open_error == VLT_FILE_NOT_FOUND);
     }
 
     /// What the functions on open files answer, in turn.
@@ -51,8 +51,8 @@ protected:
             vlt_file_read(file, &byte, 1), vlt_file_write(file, &byte, 1), vlt_file_set_pos(file, 1),
             vlt_file_set_pos_eof(file),    vlt_file_is_eof(file),          vlt_file_get_pos(file, &position),
             vlt_file_set_pos_bof(file),    vlt_file_is_bof(file),          vlt_file_close(file)};
-        EXPECT_EQ(0, position);
-        EXPECT_EQ(7, byte);
+        EXPECT_EQ(position, 0);
+        EXPECT_EQ(byte, 7);
         return answers;
     }
 
@@ -75,8 +75,8 @@ TEST_P(BadInput, PackageHandlesAndNamesAreRefused) {
         SCOPED_TRACE(handle);
         RefusesNames(handle, "a", VLT_FILE_REQUEST);
         RefusesNames(handle, wide_name, VLT_FILE_REQUEST);
-        EXPECT_EQ(-1, vlt_package_is_unicode_files(handle));
-        EXPECT_EQ(0, vlt_package_close(handle));
+        EXPECT_EQ(vlt_package_is_unicode_files(handle), -1);
+        EXPECT_EQ(vlt_package_close(handle), 0);
     }
 }
 
@@ -87,15 +87,15 @@ TEST_P(BadInput, FileHandlesAreRefusedAsFarAsAFileIsNeeded) {
     const std::vector<std::int32_t> none = {0, 0, 0, 0, -1, 0, 0, -1, 0}, no_file = {0, 0, 0, 0, -1, 1, 1, 1, 1};
     for (const std::uint32_t file :
          {0u, 1u, 0xFFFFu, 0xFFFFFFFFu, open + 128, open - 1, open + 0x10000, open | 0x80000000})
-        EXPECT_EQ(none, Answers(file)) << file;
-    EXPECT_EQ(no_file, Answers(closed));
-    EXPECT_EQ(no_file, Answers(open + 2)) << "never opened";
+        EXPECT_EQ(Answers(file), none) << file;
+    EXPECT_EQ(Answers(closed), no_file);
+    EXPECT_EQ(Answers(open + 2), no_file) << "never opened";
     for (const std::uint32_t file : {0u, closed, open}) {
-        EXPECT_EQ(0, vlt_file_get_pos(file, nullptr));
-        EXPECT_EQ(0, vlt_file_read(file, nullptr, 5));
-        EXPECT_EQ(1, vlt_file_write(file, nullptr, 5)) << "nothing to write";
+        EXPECT_EQ(vlt_file_get_pos(file, nullptr), 0);
+        EXPECT_EQ(vlt_file_read(file, nullptr, 5), 0);
+        EXPECT_EQ(vlt_file_write(file, nullptr, 5), 1) << "nothing to write";
     }
-    EXPECT_EQ(0, PositionOf(open));
+    EXPECT_EQ(PositionOf(open), 0);
 }
 
 TEST(Memory, OfTheLibraryIsTakenAndGivenBack) {

@@ -66,56 +66,56 @@ protected:
 INSTANTIATE_BOTH_NAMES(BuiltPackage);
 
 TEST_P(BuiltPackage, IsReadAsItStands) {
-    EXPECT_EQ("", Faults(Image(), leniency));
-    EXPECT_EQ(GetParam() == Names::wide, vlt_package_is_unicode_files(package));
-    EXPECT_EQ((NameList{"One", "other", "two", "three", "late"}), List());
-    EXPECT_EQ(20050321.140709, Info("late").created);
-    EXPECT_EQ(VLT_ENTRY_OTHER, static_cast<int>(Info("other").kind));
-    EXPECT_EQ(Pattern("One", 9000), Read("one"));
+    EXPECT_EQ(Faults(Image(), leniency), "");
+    EXPECT_EQ(vlt_package_is_unicode_files(package), GetParam() == Names::wide);
+    EXPECT_EQ(List(), (NameList{"One", "other", "two", "three", "late"}));
+    EXPECT_EQ(Info("late").created, 20050321.140709);
+    EXPECT_EQ(static_cast<int>(Info("other").kind), VLT_ENTRY_OTHER);
+    EXPECT_EQ(Read("one"), Pattern("One", 9000));
     EXPECT_TRUE(Intact("two", 3) && Intact("three", 0) && Intact("late", 7));
     FileInfo info, untouched;
-    for (const std::int32_t cursor : {0, -1, INT32_MIN}) EXPECT_EQ(1, Enumerate(package, cursor, &info)) << cursor;
-    EXPECT_EQ("One", info.name);
+    for (const std::int32_t cursor : {0, -1, INT32_MIN}) EXPECT_EQ(Enumerate(package, cursor, &info), 1) << cursor;
+    EXPECT_EQ(info.name, "One");
     for (const std::int32_t cursor : {7, 14, 15, 1000, INT32_MAX})
-        EXPECT_EQ(0, Enumerate(package, cursor, &untouched)) << cursor;
-    EXPECT_EQ(FileInfo{}, untouched);
+        EXPECT_EQ(Enumerate(package, cursor, &untouched), 0) << cursor;
+    EXPECT_EQ(untouched, FileInfo{});
 }
 
 TEST_P(BuiltPackage, ListsAndStampsTheEntryOfAnotherMakerButNeverOpensIt) {
-    EXPECT_EQ(1, SetTime(package, "OTHER", 1, 2, 3));
-    EXPECT_EQ(2, Image().entries[1].accessed);
-    EXPECT_EQ(VLT_FILE_NOT_FOUND, OpenError(package, "other", VLT_MODE_READ));
-    EXPECT_EQ(0, Delete(package, "other"));
+    EXPECT_EQ(SetTime(package, "OTHER", 1, 2, 3), 1);
+    EXPECT_EQ(Image().entries[1].accessed, 2);
+    EXPECT_EQ(OpenError(package, "other", VLT_MODE_READ), VLT_FILE_NOT_FOUND);
+    EXPECT_EQ(Delete(package, "other"), 0);
     Write("other", 20);  // a file of the same name, beside it
-    EXPECT_EQ((NameList{"One", "other", "two", "other", "three", "late"}), List());
+    EXPECT_EQ(List(), (NameList{"One", "other", "two", "other", "three", "late"}));
     for (int i = 0; i < 2; ++i, Reopen()) {
-        EXPECT_EQ(4096, Info("other").size) << "the first of the two";
-        EXPECT_EQ(Pattern("other", 20), ReadFrom(OpenFor("other", VLT_MODE_READ), 99));
+        EXPECT_EQ(Info("other").size, 4096) << "the first of the two";
+        EXPECT_EQ(ReadFrom(OpenFor("other", VLT_MODE_READ), 99), Pattern("other", 20));
     }
-    EXPECT_EQ(1, Delete(package, "other"));
-    EXPECT_EQ(0, Delete(package, "other"));
-    EXPECT_EQ(4096, Info("other").size);
+    EXPECT_EQ(Delete(package, "other"), 1);
+    EXPECT_EQ(Delete(package, "other"), 0);
+    EXPECT_EQ(Info("other").size, 4096);
 }
 
 TEST_P(BuiltPackage, IsContinuedWhereItEnds) {
     const Bytes more = Pattern("more", 5000);
     Append("one", more);
-    EXPECT_EQ((std::vector<int>{900, 10, 11, 2}), ChainOf("One"));
+    EXPECT_EQ(ChainOf("One"), (std::vector<int>{900, 10, 11, 2}));
     Append("two", more);  // takes a block as if it had none to spare
-    EXPECT_EQ((std::vector<int>{3, 4, 6}), ChainOf("two"));
-    EXPECT_EQ(1, Delete(package, "LATE"));
+    EXPECT_EQ(ChainOf("two"), (std::vector<int>{3, 4, 6}));
+    EXPECT_EQ(Delete(package, "LATE"), 1);
     Write("new", 100);
-    EXPECT_EQ(3, Image().Find("new")->index);
+    EXPECT_EQ(Image().Find("new")->index, 3);
     Reopen();
     Bytes one = Pattern("One", 9000);
     one.insert(one.end(), more.begin(), more.end());
-    EXPECT_EQ(one, Read("one"));
+    EXPECT_EQ(Read("one"), one);
     const Bytes after = ReadHostFile(path);
     EXPECT_TRUE(std::equal(host_.begin(), host_.begin() + 100 + 101, after.begin())) << "up to the map";
-    EXPECT_EQ(host_.size(), after.size());
+    EXPECT_EQ(after.size(), host_.size());
     Write("big", 1000 * 4096);  // over what follows the last block
-    EXPECT_EQ(0u, (ReadHostFile(path).size() - base) % 4096);
-    EXPECT_EQ(std::vector({0, 700}), Image().header_chain);
+    EXPECT_EQ((ReadHostFile(path).size() - base) % 4096, 0u);
+    EXPECT_EQ(Image().header_chain, std::vector({0, 700}));
     Reopen();
     EXPECT_TRUE(Intact("big", 1000 * 4096) && Intact("new", 100));
 }

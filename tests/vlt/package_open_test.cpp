@@ -30,15 +30,15 @@ TEST_F(PackageOpening, TheCredentialsDecideTheAccess) {
         {"r", "0123456789abcdef", nullptr, "0123456789abcdefg", refused},
     };
     for (const auto& [stored_read, stored_write, read, write, writing] : table) {
-        ASSERT_EQ(1, vlt_package_create(path.c_str(), 0, 0, stored_read, stored_write));
+        ASSERT_EQ(vlt_package_create(path.c_str(), 0, 0, stored_read, stored_write), 1);
         for (int opening = 0; opening < 2; ++opening) {  // a first and a shared one
             std::int32_t wide = 5, error = 77;
             const std::int32_t handle = vlt_package_open(path.c_str(), 0, 0, read, write, &wide, &error);
-            EXPECT_EQ(writing, OpenError(handle, "probe", VLT_MODE_WRITE));
-            EXPECT_EQ(0, wide);
-            EXPECT_EQ(writing == refused ? VLT_OPEN_CREDENTIALS : 77, error) << "untouched by success";
+            EXPECT_EQ(OpenError(handle, "probe", VLT_MODE_WRITE), writing);
+            EXPECT_EQ(wide, 0);
+            EXPECT_EQ(error, writing == refused ? VLT_OPEN_CREDENTIALS : 77) << "untouched by success";
         }
-        EXPECT_EQ(VLT_OPEN_CREDENTIALS, OpenErrorOf({.read_credential = "?", .write_credential = "?"}));
+        EXPECT_EQ(OpenErrorOf({.read_credential = "?", .write_credential = "?"}), VLT_OPEN_CREDENTIALS);
         vlt_package_close_all();
     }
 }
@@ -56,21 +56,21 @@ TEST_F(PackageOpening, FailsWithTheCodeOfItsReason) {
                                                 {VLT_OPEN_NO_FILE, {.read_only_file = true, .at = "missing"}},
                                                 {VLT_OPEN_NO_FILE, {.read_only = 1, .at = "."}}};
     for (const auto& [code, how] : failures)
-        EXPECT_EQ(code, OpenErrorOf(how)) << (how.at ? how.at : path) << how.offset;
-    EXPECT_EQ(0, vlt_package_open(nullptr, 0, 0, nullptr, nullptr, nullptr, nullptr));
+        EXPECT_EQ(OpenErrorOf(how), code) << (how.at ? how.at : path) << how.offset;
+    EXPECT_EQ(vlt_package_open(nullptr, 0, 0, nullptr, nullptr, nullptr, nullptr), 0);
     // A host file that may not be written.
     std::filesystem::permissions(path, std::filesystem::perms::owner_read);
     if (std::FILE* file = std::fopen(path.c_str(), "r+b")) {  // a superuser may write it all the same
         std::fclose(file);
     } else {
-        EXPECT_EQ(VLT_OPEN_ACCESS, OpenErrorOf({}));
+        EXPECT_EQ(OpenErrorOf({}), VLT_OPEN_ACCESS);
         EXPECT_GT(Open({.read_only = 1}), 0);
-        EXPECT_EQ(VLT_OPEN_ACCESS, OpenErrorOf({}));
+        EXPECT_EQ(OpenErrorOf({}), VLT_OPEN_ACCESS);
     }
     vlt_package_close_all();
     std::filesystem::permissions(path, std::filesystem::perms::owner_all);
-    EXPECT_EQ(VLT_FILE_ACCESS, OpenError(Open({.read_only_file = true}), "a", VLT_MODE_WRITE));
-    EXPECT_EQ(VLT_OPEN_ACCESS, OpenErrorOf({})) << "the host file is open for reading only";
+    EXPECT_EQ(OpenError(Open({.read_only_file = true}), "a", VLT_MODE_WRITE), VLT_FILE_ACCESS);
+    EXPECT_EQ(OpenErrorOf({}), VLT_OPEN_ACCESS) << "the host file is open for reading only";
     EXPECT_GT(Open({.read_only = 1}), 0);
 }
 
@@ -87,17 +87,17 @@ TEST_F(PackageOpening, OnlyThePathInAnyLetterCaseShares) {
     package = Open({.exclusive = true, .at = capitals.c_str()});  // as little as the offset does this count
     Write("a", 5000);
     EXPECT_NE(0u, OpenFor("a", VLT_MODE_READ, {.exclusive = true}));
-    EXPECT_EQ(VLT_FILE_ACCESS, OpenError(first, "A", VLT_MODE_READ));
+    EXPECT_EQ(OpenError(first, "A", VLT_MODE_READ), VLT_FILE_ACCESS);
     std::string long_start = "./";
     while (long_start.size() < 400) long_start += "./";
     for (const std::string& start : {std::string("./"), std::string(".\\"), long_start}) {
         const std::string other = start + path;  // another way to name the host file
         const Opening apart{.exclusive = true, .offset = 777, .at = other.c_str()};
         const std::int32_t handle = Open(apart);
-        EXPECT_EQ(VLT_FILE_OK, OpenError(handle, "a", VLT_MODE_READ));
-        EXPECT_EQ(VLT_OPEN_ACCESS, OpenErrorOf({.read_only = 1, .at = other.c_str()}));
+        EXPECT_EQ(OpenError(handle, "a", VLT_MODE_READ), VLT_FILE_OK);
+        EXPECT_EQ(OpenErrorOf({.read_only = 1, .at = other.c_str()}), VLT_OPEN_ACCESS);
         EXPECT_GT(Open(), 0);
-        EXPECT_EQ(1, vlt_package_close(handle));
+        EXPECT_EQ(vlt_package_close(handle), 1);
         EXPECT_GT(Open(apart), 0);
     }
     Reopen();
@@ -106,26 +106,26 @@ TEST_F(PackageOpening, OnlyThePathInAnyLetterCaseShares) {
 
 TEST_F(PackageOpening, HandlesOutliveTheGrowthOfTheTable) {
     Create();
-    for (std::int32_t handle = 2; handle <= 65; ++handle) ASSERT_EQ(handle, Open());
+    for (std::int32_t handle = 2; handle <= 65; ++handle) ASSERT_EQ(Open(), handle);
     Write("a", 10);
-    EXPECT_EQ(VLT_FILE_OK, OpenError(65, "a", VLT_MODE_READ));
-    EXPECT_EQ(1, vlt_package_close(64));
-    EXPECT_EQ(64, Open());
+    EXPECT_EQ(OpenError(65, "a", VLT_MODE_READ), VLT_FILE_OK);
+    EXPECT_EQ(vlt_package_close(64), 1);
+    EXPECT_EQ(Open(), 64);
     for (int i = 0; i < 2; ++i) vlt_package_close_all();
-    EXPECT_EQ(-1, vlt_package_is_unicode_files(1));
-    EXPECT_EQ(1, Open());
+    EXPECT_EQ(vlt_package_is_unicode_files(1), -1);
+    EXPECT_EQ(Open(), 1);
 }
 
 TEST_F(PackageOpening, TheShortFormHandsItsArgumentsOn) {
     Create();
     vlt_package_close_all();
     package = vlt_package_open(path.c_str(), 1, 0, nullptr, nullptr, nullptr, nullptr);
-    EXPECT_EQ(VLT_FILE_ACCESS, OpenError(package, "a", VLT_MODE_WRITE));
+    EXPECT_EQ(OpenError(package, "a", VLT_MODE_WRITE), VLT_FILE_ACCESS);
     EXPECT_GT(Open(), 0) << "not exclusive";
     vlt_package_close_all();
     package = vlt_package_open(path.c_str(), 0, 1, nullptr, nullptr, nullptr, nullptr);
-    EXPECT_EQ(VLT_FILE_OK, OpenError(package, "a", VLT_MODE_WRITE));
-    EXPECT_EQ(VLT_OPEN_ACCESS, OpenErrorOf({.read_only = 1}));
+    EXPECT_EQ(OpenError(package, "a", VLT_MODE_WRITE), VLT_FILE_OK);
+    EXPECT_EQ(OpenErrorOf({.read_only = 1}), VLT_OPEN_ACCESS);
 }
 
 struct Patch {
@@ -160,9 +160,9 @@ TEST_F(PackageOpening, RefusesWhatIsNotAPackage) {
         std::copy(bytes.begin(), bytes.end(), host.begin() + static_cast<std::ptrdiff_t>(offset));
         if (bytes.empty()) host.resize(offset);
         WriteHostFile(path, host);
-        EXPECT_EQ(VLT_OPEN_NOT_A_PACKAGE, OpenErrorOf({})) << name;
-        EXPECT_EQ(VLT_OPEN_NOT_A_PACKAGE, OpenErrorOf({.read_only_file = true})) << name;
-        EXPECT_EQ(host, ReadHostFile(path)) << name;
+        EXPECT_EQ(OpenErrorOf({}), VLT_OPEN_NOT_A_PACKAGE) << name;
+        EXPECT_EQ(OpenErrorOf({.read_only_file = true}), VLT_OPEN_NOT_A_PACKAGE) << name;
+        EXPECT_EQ(ReadHostFile(path), host) << name;
     }
 }
 

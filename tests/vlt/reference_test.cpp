@@ -25,7 +25,7 @@ class AgainstTheReference : public StoreTest, public ::testing::WithParamInterfa
 
 TEST_P(AgainstTheReference, EveryCallLeavesTheSameBytes) {
     const Scenario& run = GetParam();
-    ASSERT_EQ(1, vlt_package_create(path.c_str(), run.names == Names::wide, run.size_mb, "r", "w"));
+    ASSERT_EQ(vlt_package_create(path.c_str(), run.names == Names::wide, run.size_mb, "r", "w"), 1);
     Bytes host = Pattern("before", base = run.base);
     const Bytes created = ReadHostFile(path);
     host.insert(host.end(), created.begin(), created.end());
@@ -37,8 +37,8 @@ TEST_P(AgainstTheReference, EveryCallLeavesTheSameBytes) {
     for (std::uint8_t& byte : bytes) byte = static_cast<std::uint8_t>(random());
     const StoreScript script{path,      base,        run.read_only_base,
                              run.files, run.largest, [] { return std::time(nullptr); }};
-    ASSERT_EQ("", Faults(Image())) << "the reference runs beside sound packages only";
-    EXPECT_EQ("", script.Run(Input(bytes.data(), bytes.size()), run.calls));
+    ASSERT_EQ(Faults(Image()), "") << "the reference runs beside sound packages only";
+    EXPECT_EQ(script.Run(Input(bytes.data(), bytes.size()), run.calls), "");
     if (!seed) {
         EXPECT_GE(Image().header_chain.size(), run.header_blocks);
     }
