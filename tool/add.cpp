@@ -2,6 +2,8 @@
 // vlt add
 #include <fmt/format.h>
 #include <map>
+#include <memory>
+#include <optional>
 #include <unordered_map>
 
 #include "tool/collector.h"
@@ -39,13 +41,14 @@ public:
     void add(const SourceFile& source) {
         const auto name = package_.names().stored(source.name);
         if (!name) return leave_out(source, "its name is too long, or has characters that the package cannot store");
-        const auto [same, is_new] = added_.emplace(folded(*name), source.name);
-        if (!is_new) return leave_out(source, "its name differs from '" + same->second + "' in case only");
-        if (options_.update && unchanged(source, *name))
+        const auto [same, is_new] = added_.emplace(folded(*name), &source);
+        if (!is_new) return leave_out(source, "its name differs from '" + same->second->name + "' in case only");
+        const Entry* before = stored_as(same->first);
+        if (options_.update && before && unchanged(source, *before))
             return progress_.advance(static_cast<std::uint64_t>(source.status.size));
         if (options_.dry_run) return out_.line(package_.names().shown(*name));
         try {
-            store(HostFile::open(source.path), source, *name);
+            store(open(source), source, *name, before);
         } catch (const Unreadable& failure) {
             leave_out(source, failure.what());
         }
@@ -55,35 +58,56 @@ public:
         const auto name = package_.names().typed(text);
         if (!name) throw Failure(text, "the package cannot store such a name");
         if (options_.dry_run) return out_.line(package_.names().shown(*name));
-        SourceFile source{{}, text, {}};
+        SourceFile source{{}, {}, text, {}};
         source.status.written = static_cast<std::int64_t>(std::time(nullptr));
-        store(HostFile::standard_input(), source, *name);
+        store(HostFile::standard_input(), source, *name, stored_as(folded(*name)));
     }
 
 private:
-    bool unchanged(const SourceFile& source, const std::string& name) const {
-        const auto found = stored_.find(folded(name));
-        return found != stored_.end() && found->second.size == source.status.size &&
-               found->second.written == stamp_of(source.status.written);
+    const Entry* stored_as(const std::string& folded_name) const {
+        const auto found = stored_.find(folded_name);
+        return found == stored_.end() ? nullptr : &found->second;
+    }
+
+    static bool unchanged(const SourceFile& source, const Entry& before) {
+        return before.size == source.status.size && before.written == stamp_of(source.status.written);
     }
 
     void leave_out(const SourceFile& source, const std::string& reason) {
         collector_.left_out.push_back({source.name, reason});
     }
 
+    HostFile open(const SourceFile& source) {
+        try {
+            if (source.folder != opened_) {
+                opened_.reset();
+                folder_.emplace(source.folder->empty() ? fs::path(".") : *source.folder);
+                opened_ = source.folder;
+            }
+            return folder_->open(source.last);
+        } catch (const Failure& failure) {
+            throw Unreadable(failure);
+        }
+    }
+
     /// Stores a file whole, or removes what was stored of it.
-    void store(HostFile input, const SourceFile& source, const std::string& name) {
+    void store(HostFile input, const SourceFile& source, const std::string& name, const Entry* before) {
         // Read a first piece before the stored file is emptied: what cannot be read replaces nothing.
         std::size_t length = read(input);
         StoredFile file = package_.open_to_write(name);
         try {
-            for (; length > 0; length = read(input)) {
+            for (std::int64_t done = 0; length > 0;) {
                 file.write(piece_.data(), length);
                 progress_.advance(length);
+                done += static_cast<std::int64_t>(length);
+                // A read that got less than it asked for, and reached the size that was told, reached the end. A file
+                // that has grown since has more than that; what the system makes up when it is read is told as 0.
+                const bool at_end = length < piece_.size() && done == source.status.size;
+                length = at_end ? 0 : read(input);
             }
             check_interrupt();  // Ctrl-C ends the program before the pipe as well: what came is not all of it
             file.close();
-            set_times(source, name);
+            set_times(source, name, before);
         } catch (...) {
             file.close();
             package_.remove(name);
@@ -101,12 +125,11 @@ private:
         }
     }
 
-    void set_times(const SourceFile& source, const std::string& name) {
+    void set_times(const SourceFile& source, const std::string& name, const Entry* before) {
         Entry entry;
         entry.name = name;
         entry.accessed = entry.written = entry.created = stamp_of(source.status.written);
-        const auto before = stored_.find(folded(name));
-        if (before != stored_.end()) entry.created = before->second.created;
+        if (before) entry.created = before->created;
         package_.set_times(entry);
     }
 
@@ -121,7 +144,9 @@ private:
     Progress progress_;
     std::vector<char> piece_;
     std::unordered_map<std::string, Entry> stored_;
-    std::unordered_map<std::string, std::string> added_;
+    std::unordered_map<std::string, const SourceFile*> added_;
+    std::shared_ptr<const fs::path> opened_;
+    std::optional<HostFolder> folder_;  // the one in `opened_`
 };
 
 std::string prefixed(const AddOptions& options, const std::string& name) {

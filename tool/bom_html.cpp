@@ -111,7 +111,7 @@ int make_page(Program&, const HtmlOptions& options) {
         throw Failure(options.output, "exists already; give -f to replace it");
     NewFile page(target.parent_path());
     PageWriter(page.file(), db, options).write(data);
-    page.move_to(target, options.force);
+    page.move_to(target.filename().native(), options.force);
     return kDone;
 }
 

@@ -2,6 +2,7 @@
 #include "tool/collector.h"
 
 #include <algorithm>
+#include <optional>
 
 #include "tool/failure.h"
 #include "tool/patterns.h"
@@ -31,45 +32,65 @@ std::string name_of_path(const fs::path& path) {
 }
 
 bool Collector::is_excluded(const std::string& name) const {
+    if (excluded.empty()) return false;
     const std::string last = name.substr(name.rfind('/') + 1);
     return std::any_of(excluded.begin(), excluded.end(),
                        [&](const std::string& pattern) { return matches(pattern, name) || matches(pattern, last); });
 }
 
 void Collector::collect(const fs::path& path, const std::string& name) {
-    if (!name.empty())
-        take(path, name);
-    else
-        walk(path, name);
+    if (name.empty()) return walk(path, name);
+    if (is_excluded(name)) return;
+    const fs::path folder = path.has_parent_path() ? path.parent_path() : fs::path(".");
+    take({std::make_shared<const fs::path>(folder), path.filename().native(), name, file_status(path)});
 }
 
-void Collector::take(const fs::path& path, const std::string& name) {
-    check_interrupt();
-    if (is_excluded(name)) return;
-    const FileStatus status = file_status(path);
-    if (status.kind == FileStatus::Kind::folder) return walk(path, name);
-    if (status.kind != FileStatus::Kind::file) {
-        left_out.push_back({name, kind_text(status.kind)});
-        return;
-    }
+bool Collector::is_not_this(const SourceFile& file) const {
     std::error_code unequal;
-    if (path.filename() == not_this.filename() && fs::equivalent(path, not_this, unequal)) {
-        left_out.push_back({name, "the package itself"});
-        return;
-    }
-    files.push_back({path, name, status});
-    bytes += static_cast<std::uint64_t>(status.size);
+    return file.last == not_this.filename().native() && fs::equivalent(file.path(), not_this, unequal);
+}
+
+void Collector::take(SourceFile file) {
+    check_interrupt();
+    const FileStatus::Kind kind = file.status.kind;
+    if (kind == FileStatus::Kind::folder) return walk(file.path(), file.name);
+    if (kind != FileStatus::Kind::file) return left_out.push_back({file.name, kind_text(kind)});
+    if (is_not_this(file)) return left_out.push_back({file.name, "the package itself"});
+    bytes += static_cast<std::uint64_t>(file.status.size);
+    files.push_back(std::move(file));
 }
 
 void Collector::walk(const fs::path& folder, const std::string& name) {
+    for (SourceFile& file : look_at(folder, name)) take(std::move(file));
+}
+
+/// What is in a folder and not excluded. The folder is closed when this returns: folders may be nested deeper than
+/// files may be open.
+std::vector<SourceFile> Collector::look_at(const fs::path& folder, const std::string& name) {
     std::error_code error;
-    std::vector<fs::path> found;
+    std::vector<PathText> names;
     for (fs::directory_iterator it(folder, error), end; !error && it != end; it.increment(error))
-        found.push_back(it->path());
+        names.push_back(it->path().filename().native());
     if (error) left_out.push_back({name, "a folder that cannot be read"});
+    std::vector<SourceFile> found;
+    if (names.empty()) return found;
     // The order of the directory differs from system to system.
-    std::sort(found.begin(), found.end());
-    for (const fs::path& path : found) take(path, (name.empty() ? "" : name + "/") + text_of(path.filename()));
+    std::sort(names.begin(), names.end());
+    const auto shared = std::make_shared<const fs::path>(folder);
+    std::optional<HostFolder> opened;
+    try {
+        opened.emplace(folder);
+    } catch (const Failure&) {  // it was there a moment ago
+        left_out.push_back({name, "a folder that cannot be read"});
+        return found;
+    }
+    for (const PathText& last : names) {
+        SourceFile file{shared, last, (name.empty() ? "" : name + "/") + text_of(last), {}};
+        if (is_excluded(file.name)) continue;
+        file.status = opened->status(last);
+        found.push_back(std::move(file));
+    }
+    return found;
 }
 
 }  // namespace tool

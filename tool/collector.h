@@ -3,6 +3,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -12,9 +13,12 @@ namespace tool {
 
 /// A file on the disk, and its name with '/' between folders.
 struct SourceFile {
-    fs::path path;
+    std::shared_ptr<const fs::path> folder;  ///< files of one folder follow each other and share this
+    PathText last;                           ///< the last part of its path
     std::string name;
     FileStatus status;
+
+    fs::path path() const { return *folder / last; }
 };
 
 /// Something that was left out, and why.
@@ -36,8 +40,10 @@ public:
 
 private:
     bool is_excluded(const std::string& name) const;
-    void take(const fs::path& path, const std::string& name);
+    bool is_not_this(const SourceFile& file) const;
+    void take(SourceFile file);
     void walk(const fs::path& folder, const std::string& name);
+    std::vector<SourceFile> look_at(const fs::path& folder, const std::string& name);
 };
 
 /// The name that a path on the command line gets: without its root, "." and leading "..", with '/'.

@@ -231,7 +231,7 @@ int compact(Program&, const CompactOptions& options) {
     made_options.offset = 0;
     compare(contents, layout, made_options, progress);
     if (options.package.sync) sync_file(made.path());
-    made.move_to(target, false);
+    made.move_to(target.filename().native(), false);
     return kDone;
 }
 

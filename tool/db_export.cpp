@@ -76,7 +76,7 @@ void write_text(Program& program, const std::string& path, bool force, Watch& wa
         file ? file->file().write(text.data(), text.size()) : program.out().bytes(text);
     });
     work(output);
-    if (file) file->move_to(path_of(path), force);
+    if (file) file->move_to(path_of(path).filename().native(), force);
 }
 
 void write_csv(KOfflineDb* db, const ExportOptions& options, Watch& watch) {

@@ -44,7 +44,7 @@ Items items_of_folder(const std::string& path) {
     Items items;
     for (const SourceFile& file : collector.files) {
         if (folded(file.name) == kSumsName) continue;
-        const auto open = [path = file.path]() -> ReadPiece {
+        const auto open = [path = file.path()]() -> ReadPiece {
             auto host = std::make_shared<HostFile>(HostFile::open(path));
             return [host](char* to, std::size_t length) {
                 std::size_t done = 0;

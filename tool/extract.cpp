@@ -60,8 +60,8 @@ public:
         if (options_.rename) name = unused_name(refusal.empty() ? name : safe_name(name)), refusal.clear();
         if (refusal.empty() && !taken_.insert(case_folded(name)).second)
             refusal = "it differs from another in the case of letters or in slashes only";
-        if (refusal.empty()) refusal = enter_folders(parts_of_name(name));
-        if (refusal.empty()) refusal = extract_to(entry, target_of(name));
+        if (refusal.empty()) refusal = enter_folder_of(name);
+        if (refusal.empty()) refusal = extract_here(entry, path_of(last_part(name)).native());
         if (!refusal.empty()) refused_.push_back(package_.names().shown(entry.name) + ": not extracted: " + refusal);
     }
 
@@ -73,11 +73,7 @@ public:
     }
 
 private:
-    fs::path target_of(const std::string& name) const {
-        fs::path path = top_;
-        for (const std::string& part : parts_of_name(name)) path /= path_of(part);
-        return path;
-    }
+    static std::string last_part(const std::string& name) { return name.substr(name.find_last_of("/\\") + 1); }
 
     std::string unused_name(const std::string& name) const {
         std::string candidate = name;
@@ -85,39 +81,65 @@ private:
         return candidate;
     }
 
-    /// Makes the folders of a name. Links that stand there are not followed: they may lead out of the folder.
-    std::string enter_folders(const std::vector<std::string>& parts) {
+    /// Opens the folder that a file goes to; stored files that follow each other mostly go to the same one.
+    std::string enter_folder_of(const std::string& name) {
+        const std::string folder = name.substr(0, name.size() - last_part(name).size());
+        if (folder_ && folder == folder_name_) return "";
         fs::path path = top_;
+        std::string refusal = make_folders(parts_of_name(name), path);
+        if (!refusal.empty()) return refusal;
+        folder_name_ = folder;
+        folder_ = std::make_shared<const HostFolder>(path);
+        folder_is_new_ = entered_[path.native()];
+        return "";
+    }
+
+    /// Makes the folders of a name. Links that stand there are not followed: they may lead out of the folder.
+    std::string make_folders(const std::vector<std::string>& parts, fs::path& path) {
         for (std::size_t i = 0; i + 1 < parts.size(); ++i) {
             path /= path_of(parts[i]);
             if (entered_.count(path.native())) continue;
-            FileStatus status = file_status(path);
-            if (status.kind == FileStatus::Kind::missing) {
+            const FileStatus status = file_status(path);
+            const bool is_new = status.kind == FileStatus::Kind::missing;
+            if (is_new) {
                 std::error_code error;
                 if (!fs::create_directory(path, error)) throw Failure(text_of(path), error.message());
-                status.kind = FileStatus::Kind::folder;
+            } else if (status.kind != FileStatus::Kind::folder) {
+                const bool link = status.kind == FileStatus::Kind::link;
+                return link ? "the link " + text_of(path) + " stands in its way" : text_of(path) + " is no folder";
             }
-            if (status.kind == FileStatus::Kind::link) return "the link " + text_of(path) + " stands in its way";
-            if (status.kind != FileStatus::Kind::folder) return text_of(path) + " is no folder";
-            entered_.insert(path.native());
+            entered_[path.native()] = is_new;
         }
         return "";
     }
 
-    std::string extract_to(const Entry& entry, const fs::path& target) {
-        if (entry.of_other_maker) return "it is an entry of another maker";
-        const FileStatus there = file_status(target);
+    /// Why a file cannot be made; empty where it can.
+    std::string what_stands_in_its_way(const PathText& name) const {
+        const FileStatus there = folder_->status(name);
         if (there.kind == FileStatus::Kind::folder) return "there is a folder of that name";
-        if (there.kind != FileStatus::Kind::missing && !options_.force) return "it is there already; -f replaces it";
-        NewFile made(target.parent_path());
+        const bool replaces = there.kind != FileStatus::Kind::missing && !options_.force;
+        return replaces ? "it is there already; -f replaces it" : "";
+    }
+
+    std::string extract_here(const Entry& entry, const PathText& name) {
+        if (entry.of_other_maker) return "it is an entry of another maker";
+        // In a folder of our own nothing stands, but for what the moving refuses to replace.
+        std::string refusal = folder_is_new_ ? "" : what_stands_in_its_way(name);
+        if (!refusal.empty()) return refusal;
+        NewFile made(folder_);
         try {
             copy(package_.open_to_read(entry), made.file());
         } catch (const StoredFailure& failure) {
             return failure.what();
         }
         if (const auto written = seconds_of_stamp(entry.written)) made.file().set_written(*written);
-        made.move_to(target, options_.force);
-        return "";
+        try {
+            made.move_to(name, options_.force);
+        } catch (const Failure&) {
+            refusal = what_stands_in_its_way(name);
+            if (refusal.empty()) throw;
+        }
+        return refusal;
     }
 
     void copy(StoredFile from, HostFile& to) {
@@ -134,7 +156,10 @@ private:
     Progress progress_;
     std::vector<char> piece_;
     std::unordered_set<std::string> taken_;
-    std::unordered_set<fs::path::string_type> entered_;
+    std::unordered_map<PathText, bool> entered_;  // folders; whether they were made here
+    std::string folder_name_;                     // of the one that is open, as names begin
+    std::shared_ptr<const HostFolder> folder_;
+    bool folder_is_new_ = false;
     std::vector<std::string> refused_;
 };
 

@@ -145,6 +145,8 @@ bool Names::fits(const std::string& stored) const {
 }
 
 std::string Names::text(std::string_view stored, bool for_people) const {
+    const auto plain = [](char c) { return c >= ' ' && c < 0x7f && c != '\\'; };
+    if (std::all_of(stored.begin(), stored.end(), plain)) return std::string(stored);
     std::string result, character;
     while (!stored.empty()) {
         character.clear();

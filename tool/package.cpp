@@ -6,6 +6,7 @@
 
 #include "tool/failure.h"
 #include "tool/seal.h"
+#include "tool/sums.h"
 
 namespace tool {
 
@@ -32,6 +33,10 @@ constexpr std::size_t kPiece = 1 << 30;  // lengths have 31 bits
 
 }  // namespace
 
+std::string StoredFile::subject() const {
+    return package_.path() + ": " + package_.names().shown(name_);
+}
+
 std::size_t StoredFile::read(void* buffer, std::size_t length) {
     std::size_t done = 0;
     while (done < length && left_ > 0) {
@@ -39,7 +44,7 @@ std::size_t StoredFile::read(void* buffer, std::size_t length) {
             std::min({length - done, kPiece, static_cast<std::size_t>(std::min<std::int64_t>(left_, kPiece))}));
         const std::int32_t got = vlt_file_read(file_, static_cast<char*>(buffer) + done, wanted);
         if (got <= 0)
-            throw StoredFailure(subject_, "cannot be read to its end; `vlt check` tells whether it is damaged");
+            throw StoredFailure(subject(), "cannot be read to its end; `vlt check` tells whether it is damaged");
         done += static_cast<std::size_t>(got);
         left_ -= got;
     }
@@ -50,14 +55,14 @@ void StoredFile::write(const void* data, std::size_t length) {
     for (const char* at = static_cast<const char*>(data); length > 0;) {
         const std::size_t piece = std::min(length, kPiece);
         if (!vlt_file_write(file_, at, static_cast<std::int32_t>(piece)))
-            throw Failure(subject_, "cannot be written; is the disk full?");
+            throw Failure(subject(), "cannot be written; is the disk full?");
         at += piece;
         length -= piece;
     }
 }
 
 void StoredFile::seek(std::int64_t position) {
-    if (!vlt_file_set_pos(file_, position)) throw Failure(subject_, "has no such place");
+    if (!vlt_file_set_pos(file_, position)) throw Failure(subject(), "has no such place");
     left_ = std::max<std::int64_t>(size_ - position, 0);
 }
 
@@ -79,6 +84,7 @@ Package::Package(const PackageOptions& options, Access access) : options_(option
             handle_ = open({*word, *word}, access, &error);
     if (!handle_) throw Failure(options_.path, open_error_text(error));
     names_.emplace(vlt_package_is_unicode_files(handle_) == 1, options_.encoding);
+    sealed_ = access == Access::write && find(kSumsName);
 }
 
 Package::~Package() {
@@ -160,24 +166,23 @@ std::uint32_t Package::open_file(const std::string& name, std::uint32_t mode, bo
 
 StoredFile Package::open_to_read(const Entry& entry) const {
     if (entry.of_other_maker) throw failure(entry.name, "an entry of another maker; only its name can be read");
-    return {options_.path + ": " + names_->shown(entry.name), open_file(entry.name, VLT_MODE_READ, false),
-            entry.size};
+    return {*this, entry.name, open_file(entry.name, VLT_MODE_READ, false), entry.size};
 }
 
 StoredFile Package::open_to_write(const std::string& name) {
-    changes_.written.insert(folded(name));
-    return {options_.path + ": " + names_->shown(name), open_file(name, VLT_MODE_WRITE, true), 0};
+    if (sealed_) changes_.written.insert(folded(name));
+    return {*this, name, open_file(name, VLT_MODE_WRITE, true), 0};
 }
 
 StoredFile Package::open_to_change(const Entry& entry) {
-    changes_.written.insert(folded(entry.name));
-    return {options_.path + ": " + names_->shown(entry.name), open_file(entry.name, VLT_MODE_WRITE, false),
-            entry.size};
+    if (sealed_) changes_.written.insert(folded(entry.name));
+    return {*this, entry.name, open_file(entry.name, VLT_MODE_WRITE, false), entry.size};
 }
 
 void Package::remove(const std::string& name) {
     if (!call(wide(), vlt_file_delete, vltw_file_delete, handle_, name))
         throw failure(name, "cannot be removed; only stored files can, in a package that may be written");
+    if (!sealed_) return;
     changes_.written.erase(folded(name));
     changes_.removed.insert(folded(name));
 }
@@ -186,7 +191,7 @@ void Package::set_times(const Entry& entry) {
     if (!call(wide(), vlt_file_set_time, vltw_file_set_time, handle_, entry.name, entry.created, entry.accessed,
               entry.written))
         throw failure(entry.name, "its times cannot be written");
-    changes_.retimed.insert(folded(entry.name));
+    if (sealed_) changes_.retimed.insert(folded(entry.name));
 }
 
 }  // namespace tool

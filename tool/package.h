@@ -6,8 +6,8 @@
 #include <functional>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -27,11 +27,14 @@ struct Entry {
     double created = 0, accessed = 0, written = 0;
 };
 
-/// A stored file that is open.
+class Package;
+
+/// A stored file that is open. It goes before its package does.
 class StoredFile {
 public:
     StoredFile(StoredFile&& other) noexcept
-        : subject_(std::move(other.subject_)),
+        : package_(other.package_),
+          name_(std::move(other.name_)),
           file_(std::exchange(other.file_, 0)),
           left_(other.left_),
           size_(other.size_) {}
@@ -47,10 +50,12 @@ public:
 
 private:
     friend class Package;
-    StoredFile(std::string subject, std::uint32_t file, std::int64_t size)
-        : subject_(std::move(subject)), file_(file), left_(size) {}
+    StoredFile(const Package& package, std::string name, std::uint32_t file, std::int64_t size)
+        : package_(package), name_(std::move(name)), file_(file), left_(size) {}
+    std::string subject() const;
 
-    std::string subject_;
+    const Package& package_;
+    std::string name_;
     std::uint32_t file_;
     std::int64_t left_;  ///< bytes to read up to the end: the library reports a failed read like the end of the file
     std::int64_t size_ = left_;
@@ -58,7 +63,7 @@ private:
 
 /// The files that a verb changed, by folded name; where times were set alone, the bytes stay what they were.
 struct Changes {
-    std::set<std::string> written, removed, retimed;
+    std::unordered_set<std::string> written, removed, retimed;
 
     bool none() const { return written.empty() && removed.empty() && retimed.empty(); }
 };
@@ -106,6 +111,7 @@ private:
     std::unique_ptr<HostLock> lock_;
     std::int32_t handle_ = 0;
     std::optional<Names> names_;
+    bool sealed_ = false;  // only then changes are noted
     Changes changes_;
 };
 

@@ -18,6 +18,9 @@ namespace tool {
 
 namespace fs = std::filesystem;
 
+/// A path or a part of one as the system has it. Much cheaper to make and to copy than a path, which knows its parts.
+using PathText = fs::path::string_type;
+
 // ---- Program and terminal ----
 
 /// The arguments after the program's name, as UTF-8. Also makes the standard streams carry bytes unchanged.
@@ -81,8 +84,31 @@ public:
     void close_quietly() noexcept;
 
 private:
-    HostFile(fs::path path, std::intptr_t handle) : path_(std::move(path)), handle_(handle) {}
-    fs::path path_;
+    friend class HostFolder;
+    HostFile(PathText path, std::intptr_t handle) : path_(std::move(path)), handle_(handle) {}
+    PathText path_;
+    std::intptr_t handle_;
+};
+
+/// A folder whose files are given by the last part of their path: the system need not follow the whole of it again
+/// for each file. The folder itself may be moved meanwhile.
+class HostFolder {
+public:
+    /// Fails with `Failure` where there is no folder that may be entered.
+    explicit HostFolder(const fs::path& path);
+    HostFolder(HostFolder&& other) noexcept;
+    ~HostFolder();
+
+    FileStatus status(const PathText& name) const;
+    HostFile open(const PathText& name) const;
+    HostFile create_new(const PathText& name) const;
+    /// As `move_file`, within the folder.
+    void move(const PathText& from, const PathText& to, bool replace) const;
+    void remove(const PathText& name) const noexcept;
+    PathText path_of(const PathText& name) const;
+
+private:
+    PathText path_;
     std::intptr_t handle_;
 };
 

@@ -92,6 +92,11 @@ bool vlt_dir_put(Store& store, std::int32_t index) {
     return written;
 }
 
+bool vlt_dir_put_if(Store& store, std::int32_t index, bool changed) {
+    if (!changed && store.names.states[static_cast<std::size_t>(index)] == EntryState::stored) return true;
+    return vlt_dir_put(store, index);
+}
+
 void keep_stamp_here(Store& store, std::int32_t index) {
     EntryState& state = store.names.states[static_cast<std::size_t>(index)];
     if (state == EntryState::stored) state = EntryState::stamped_here;

@@ -29,6 +29,9 @@ std::int32_t vlt_dir_add(Store& store, const Char* name);
 /// Writes one entry through. When that fails the image keeps it.
 bool vlt_dir_put(Store& store, std::int32_t index);
 
+/// Writes one entry through unless it is not `changed` and its bytes are in the host file already.
+bool vlt_dir_put_if(Store& store, std::int32_t index, bool changed);
+
 /// Notes that a stamp of reading is kept in the image alone.
 void keep_stamp_here(Store& store, std::int32_t index);
 

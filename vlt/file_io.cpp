@@ -19,19 +19,13 @@ Chain* begun_chain(Store& store, std::int32_t index) {
     return begin_chain(store, chain, store.images.entry(index).first_block()) ? &chain : nullptr;
 }
 
-/// Writes an entry through unless its bytes are in the host file already.
-bool put_if_changed(Store& store, std::int32_t index, bool changed) {
-    if (!changed && store.names.states[static_cast<std::size_t>(index)] == EntryState::stored) return true;
-    return vlt_dir_put(store, index);
-}
-
 /// Stamps an entry that was read. A stamp that is in the host file already is not written again.
 bool stamp_read(Store& store, std::int32_t index, bool in_memory) {
     vlt_dir_entry entry = store.images.entry(index);
     const double now = store.clock.stamp_now();
     const bool changed = entry.accessed() != now;
     entry.set_accessed(now);
-    if (!in_memory) return put_if_changed(store, index, changed);
+    if (!in_memory) return vlt_dir_put_if(store, index, changed);
     if (changed) keep_stamp_here(store, index);
     return true;
 }
@@ -73,7 +67,7 @@ bool enter_write(Store& store, std::int32_t index, const Chain& chain, std::int6
     entry.set_size(std::max(entry.size(), end));
     entry.set_accessed(now);
     entry.set_written(now);
-    return put_if_changed(store, index, changed);
+    return vlt_dir_put_if(store, index, changed);
 }
 
 bool write(Store& store, vlt_file& file, const void* data, std::int32_t length) {

@@ -17,6 +17,10 @@ namespace tool {
 
 namespace {
 
+// A pipe must not make an opening wait.
+constexpr int kToRead = O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+constexpr int kToCreate = O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW;
+
 [[noreturn]] void fail(const fs::path& path) {
     throw Failure(text_of(path), std::strerror(errno));
 }
@@ -52,6 +56,18 @@ std::string holder_of(int file) {
     return "another process";
 }
 
+/// Moves a file from one name to another in `folder`; errno tells the failure.
+bool move_in(int folder, const char* from, const char* to, bool replace) {
+    if (replace) return renameat(folder, from, folder, to) == 0;
+    if (renameat2(folder, from, folder, to, RENAME_NOREPLACE) == 0) return true;
+    // Not every file system can rename so, nor knows links.
+    if (linkat(folder, from, folder, to, 0) == 0) return unlinkat(folder, from, 0), true;
+    struct stat found {};
+    if (fstatat(folder, to, &found, AT_SYMLINK_NOFOLLOW) != 0) return renameat(folder, from, folder, to) == 0;
+    errno = EEXIST;
+    return false;
+}
+
 }  // namespace
 
 FileStatus file_status(const fs::path& path) {
@@ -60,14 +76,13 @@ FileStatus file_status(const fs::path& path) {
 }
 
 HostFile HostFile::open(const fs::path& path) {
-    // A pipe must not make an opening wait.
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+    const int file = ::open(path.c_str(), kToRead);
     if (file < 0) fail(path);
     return {path, file};
 }
 
 HostFile HostFile::create_new(const fs::path& path) {
-    const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0666);
+    const int file = ::open(path.c_str(), kToCreate, 0666);
     if (file < 0) fail(path);
     return {path, file};
 }
@@ -128,17 +143,50 @@ void HostFile::close() {
 }
 
 void move_file(const fs::path& from, const fs::path& to, bool replace) {
-    if (!replace && renameat2(AT_FDCWD, from.c_str(), AT_FDCWD, to.c_str(), RENAME_NOREPLACE) == 0) return;
-    // Not every file system can rename so, nor knows links.
-    if (!replace && link(from.c_str(), to.c_str()) == 0) {
-        unlink(from.c_str());
-        return;
-    }
-    if (!replace && file_status(to).kind != FileStatus::Kind::missing) {
-        errno = EEXIST;
-        fail(to);
-    }
-    if (rename(from.c_str(), to.c_str()) != 0) fail(to);
+    if (!move_in(AT_FDCWD, from.c_str(), to.c_str(), replace)) fail(to);
+}
+
+HostFolder::HostFolder(const fs::path& path)
+    : path_(path.native()), handle_(::open(path.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC)) {
+    if (handle_ < 0) fail(path);
+}
+
+HostFolder::HostFolder(HostFolder&& other) noexcept : path_(std::move(other.path_)), handle_(other.handle_) {
+    other.handle_ = -1;
+}
+
+HostFolder::~HostFolder() {
+    if (handle_ >= 0) ::close(static_cast<int>(handle_));
+}
+
+PathText HostFolder::path_of(const PathText& name) const {
+    return path_ == "." ? name : path_ + '/' + name;
+}
+
+FileStatus HostFolder::status(const PathText& name) const {
+    struct stat found {};
+    const int result = fstatat(static_cast<int>(handle_), name.c_str(), &found, AT_SYMLINK_NOFOLLOW);
+    return result == 0 ? status_of(found) : FileStatus{};
+}
+
+HostFile HostFolder::open(const PathText& name) const {
+    const int file = openat(static_cast<int>(handle_), name.c_str(), kToRead);
+    if (file < 0) fail(path_of(name));
+    return {path_of(name), file};
+}
+
+HostFile HostFolder::create_new(const PathText& name) const {
+    const int file = openat(static_cast<int>(handle_), name.c_str(), kToCreate, 0666);
+    if (file < 0) fail(path_of(name));
+    return {path_of(name), file};
+}
+
+void HostFolder::move(const PathText& from, const PathText& to, bool replace) const {
+    if (!move_in(static_cast<int>(handle_), from.c_str(), to.c_str(), replace)) fail(path_of(to));
+}
+
+void HostFolder::remove(const PathText& name) const noexcept {
+    unlinkat(static_cast<int>(handle_), name.c_str(), 0);
 }
 
 void copy_access(const fs::path& from, const fs::path& to) {

@@ -81,6 +81,9 @@ std::tm local_time(std::int64_t seconds) {
 }
 
 std::int64_t seconds_of(std::tm local) {
+    // Without this name `mktime` looks at that file again in every call.
+    static const int named = setenv("TZ", ":/etc/localtime", 0);
+    static_cast<void>(named);
     local.tm_isdst = -1;
     return std::mktime(&local);
 }

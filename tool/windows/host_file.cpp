@@ -132,6 +132,42 @@ void move_file(const fs::path& from, const fs::path& to, bool replace) {
 
 void copy_access(const fs::path&, const fs::path&) {}  // a new file has those of its folder
 
+// Windows opens files by whole paths.
+
+HostFolder::HostFolder(const fs::path& path) : path_(path.native()), handle_(kNone) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES) fail(path);
+    if (!(attributes & FILE_ATTRIBUTE_DIRECTORY)) fail(path, ERROR_DIRECTORY);
+}
+
+HostFolder::HostFolder(HostFolder&& other) noexcept = default;
+
+HostFolder::~HostFolder() = default;
+
+PathText HostFolder::path_of(const PathText& name) const {
+    return (fs::path(path_) / name).native();  // L"C:" and what begins with L"\\\\?\\" have rules of their own
+}
+
+FileStatus HostFolder::status(const PathText& name) const {
+    return file_status(path_of(name));
+}
+
+HostFile HostFolder::open(const PathText& name) const {
+    return HostFile::open(path_of(name));
+}
+
+HostFile HostFolder::create_new(const PathText& name) const {
+    return HostFile::create_new(path_of(name));
+}
+
+void HostFolder::move(const PathText& from, const PathText& to, bool replace) const {
+    move_file(path_of(from), path_of(to), replace);
+}
+
+void HostFolder::remove(const PathText& name) const noexcept {
+    DeleteFileW(path_of(name).c_str());
+}
+
 void sync_file(const fs::path& path) {
     const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                     OPEN_EXISTING, 0, nullptr);
