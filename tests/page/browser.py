@@ -37,8 +37,12 @@ class Browser:
         return self.driver.find_element(By.CSS_SELECTOR, selector)
 
     def texts(self, selector):
-        """The texts of elements in their order on the screen."""
-        return [element.text.replace('\n', ' ') for element in self.driver.find_elements(By.CSS_SELECTOR, selector)]
+        """The texts of elements in their order on the screen, read at once: a row that is drawn anew is another one."""
+        found = self.run('return [...document.querySelectorAll(arguments[0])].map(e => e.innerText)', selector)
+        return [' '.join(text.split()) for text in found]
+
+    def text(self, selector):
+        return self.texts(selector)[0]
 
     def complaints(self):
         return [entry['message'] for entry in self.driver.get_log('browser')]
