@@ -126,12 +126,18 @@ protected:
         Search(db);
         KOfflineDb_GetNoParentNodes(db, nullptr, 0);
         KOfflineDb_GetRootNodes(db, nullptr, 0);
-        KOfflineDb_GetCCODEByNID(db, 7, text);
-        KOfflineDb_GetCCODEByRec(db, kItems - 1, text);
         KOfflineDb_GetNIDByCCODE(db, "8x");
-        KOfflineDb_GetRecByNID_BBOM(db, 7);
-        KOfflineDb_GetFld_BBOM_FCOUNT(db);
         KOfflineDb_GetPath(db, text);
+        KOfflineDb_GetPackageHandle(db);
+        KOfflineDb_StrSwap("text", text, sizeof text, 1);
+        KOfflineDb_SetCheckInRec(db, KOfflineDb_GetCheckInRec(db) / 2);
+        std::int32_t size = 0;
+        KOfflineDb_GetUserData(db, &size);
+        for (auto* number : kFieldNumbers) number(db);
+        for (const std::int32_t number : {-1, 0, 7, kItems - 1, kItems, INT_MAX}) {
+            for (auto* code : kCodes) code(db, number, text);
+            for (const auto& of : kTables) of.record(db, of.nid(db, number)), of.record(db, number);
+        }
         for (KOfflineTable& table : db->tables) UseTable(&table, At("file"));
         Search(db);
         for (KOfflineTable& table : db->tables) {

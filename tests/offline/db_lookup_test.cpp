@@ -45,17 +45,7 @@ protected:
 TEST_F(Lookup, KnowsTheNumbersOfFields) {
     Load(MinimalDatabase());  // its tables have the fields in other places than the order of the functions
     Numbers numbers;
-    for (auto* number :
-         {KOfflineDb_GetFld_BITM_NID,   KOfflineDb_GetFld_BITM_CCODE,      KOfflineDb_GetFld_BITM_CNAME,
-          KOfflineDb_GetFld_BITM_CSRC,  KOfflineDb_GetFld_BBOM_NID,        KOfflineDb_GetFld_BBOM_NPID,
-          KOfflineDb_GetFld_BBOM_NCID,  KOfflineDb_GetFld_BBOM_FCOUNT,     KOfflineDb_GetFld_BDWG_NID,
-          KOfflineDb_GetFld_BDWG_CCODE, KOfflineDb_GetFld_BDWG_CFILE,      KOfflineDb_GetFld_BDWG_CSRC,
-          KOfflineDb_GetFld_BDWG_CASM,  KOfflineDb_GetFld_BDWG_COFLNMODI,  KOfflineDb_GetFld_BDWG_NOFLNITMID,
-          KOfflineDb_GetFld_BITDWG_NID, KOfflineDb_GetFld_BITDWG_NPID,     KOfflineDb_GetFld_BITDWG_NCID,
-          KOfflineDb_GetFld_BCAPP_NID,  KOfflineDb_GetFld_BCAPP_CCODE,     KOfflineDb_GetFld_BCAPP_CFILE,
-          KOfflineDb_GetFld_BCAPP_CSRC, KOfflineDb_GetFld_BCAPP_COFLNMODI, KOfflineDb_GetFld_BCAPP_NOFLNITMID,
-          KOfflineDb_GetFld_BITCAP_NID, KOfflineDb_GetFld_BITCAP_NPID,     KOfflineDb_GetFld_BITCAP_NCID})
-        numbers.push_back(number(db_));
+    for (auto* number : kFieldNumbers) numbers.push_back(number(db_));
     EXPECT_EQ(numbers, Numbers(db_->field_slots, db_->field_slots + 27));
     EXPECT_EQ(numbers, (Numbers{0, 1, 2, 3, 0, 1, 2, -1, 0, 1, 4, 3, 5, 6, 7, 0, 1, 2, 0, 1, 4, 3, 5, 6, 0, 1, 2}));
     EXPECT_EQ(KOfflineTable_AddFld(KOfflineDb_GetTable_BBOM(db_), "FCOUNT"), 3);
@@ -63,23 +53,12 @@ TEST_F(Lookup, KnowsTheNumbersOfFields) {
 }
 
 TEST_F(Lookup, TurnsNidsIntoRecordsAndBackInEveryTable) {
-    struct {
-        KOfflineTable* (*table)(KOfflineDb*);
-        std::int32_t (*record)(KOfflineDb*, std::int32_t);
-        std::int32_t (*nid)(KOfflineDb*, std::int32_t);
-        std::int32_t known_nid, known_record;
-    } const cases[] = {
-        {KOfflineDb_GetTable_BITM, KOfflineDb_GetRecByNID_BITM, KOfflineDb_GetNIDByRec_BITM, 4, 3},
-        {KOfflineDb_GetTable_BBOM, KOfflineDb_GetRecByNID_BBOM, KOfflineDb_GetNIDByRec_BBOM, 2, 1},
-        {KOfflineDb_GetTable_BDWG, KOfflineDb_GetRecByNID_BDWG, KOfflineDb_GetNIDByRec_BDWG, 1, 0},
-        {KOfflineDb_GetTable_BITDWG, KOfflineDb_GetRecByNID_BITDWG, KOfflineDb_GetNIDByRec_BITDWG, 1, 0},
-        {KOfflineDb_GetTable_BCAPP, KOfflineDb_GetRecByNID_BCAPP, KOfflineDb_GetNIDByRec_BCAPP, 7, 0},
-        {KOfflineDb_GetTable_BITCAP, KOfflineDb_GetRecByNID_BITCAP, KOfflineDb_GetNIDByRec_BITCAP, 1, 0}};
-    KOfflineTable* table = db_->tables;
-    for (const auto& c : cases) {
-        EXPECT_EQ(c.table(db_), table++);
-        EXPECT_EQ(c.record(db_, c.known_nid), c.known_record);
-        EXPECT_EQ(c.nid(db_, c.known_record), c.known_nid);
+    constexpr std::int32_t known[][2] = {{4, 3}, {2, 1}, {1, 0}, {1, 0}, {7, 0}, {1, 0}};  // NID and record
+    for (int i = 0; i < 6; ++i) {
+        const auto& c = kTables[i];
+        EXPECT_EQ(c.table(db_), &db_->tables[i]);
+        EXPECT_EQ(c.record(db_, known[i][0]), known[i][1]);
+        EXPECT_EQ(c.nid(db_, known[i][1]), known[i][0]);
         for (const std::int32_t none : {-2147483647 - 1, -1, 0, 99}) EXPECT_EQ(c.record(db_, none), -1);
         for (const std::int32_t none : {-1, 99}) EXPECT_EQ(c.nid(db_, none), -1);
     }

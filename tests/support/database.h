@@ -10,6 +10,35 @@
 
 #include "tests/support/database_files.h"
 
+/// What gives the number of each well-known field, in their order.
+inline std::int32_t (*const kFieldNumbers[])(KOfflineDb*) = {
+    KOfflineDb_GetFld_BITM_NID,   KOfflineDb_GetFld_BITM_CCODE,      KOfflineDb_GetFld_BITM_CNAME,
+    KOfflineDb_GetFld_BITM_CSRC,  KOfflineDb_GetFld_BBOM_NID,        KOfflineDb_GetFld_BBOM_NPID,
+    KOfflineDb_GetFld_BBOM_NCID,  KOfflineDb_GetFld_BBOM_FCOUNT,     KOfflineDb_GetFld_BDWG_NID,
+    KOfflineDb_GetFld_BDWG_CCODE, KOfflineDb_GetFld_BDWG_CFILE,      KOfflineDb_GetFld_BDWG_CSRC,
+    KOfflineDb_GetFld_BDWG_CASM,  KOfflineDb_GetFld_BDWG_COFLNMODI,  KOfflineDb_GetFld_BDWG_NOFLNITMID,
+    KOfflineDb_GetFld_BITDWG_NID, KOfflineDb_GetFld_BITDWG_NPID,     KOfflineDb_GetFld_BITDWG_NCID,
+    KOfflineDb_GetFld_BCAPP_NID,  KOfflineDb_GetFld_BCAPP_CCODE,     KOfflineDb_GetFld_BCAPP_CFILE,
+    KOfflineDb_GetFld_BCAPP_CSRC, KOfflineDb_GetFld_BCAPP_COFLNMODI, KOfflineDb_GetFld_BCAPP_NOFLNITMID,
+    KOfflineDb_GetFld_BITCAP_NID, KOfflineDb_GetFld_BITCAP_NPID,     KOfflineDb_GetFld_BITCAP_NCID};
+
+/// What finds a table, and its records by NID and NIDs by record, in their order.
+inline const struct {
+    KOfflineTable* (*table)(KOfflineDb*);
+    std::int32_t (*record)(KOfflineDb*, std::int32_t);
+    std::int32_t (*nid)(KOfflineDb*, std::int32_t);
+} kTables[] = {{KOfflineDb_GetTable_BITM, KOfflineDb_GetRecByNID_BITM, KOfflineDb_GetNIDByRec_BITM},
+               {KOfflineDb_GetTable_BBOM, KOfflineDb_GetRecByNID_BBOM, KOfflineDb_GetNIDByRec_BBOM},
+               {KOfflineDb_GetTable_BDWG, KOfflineDb_GetRecByNID_BDWG, KOfflineDb_GetNIDByRec_BDWG},
+               {KOfflineDb_GetTable_BITDWG, KOfflineDb_GetRecByNID_BITDWG, KOfflineDb_GetNIDByRec_BITDWG},
+               {KOfflineDb_GetTable_BCAPP, KOfflineDb_GetRecByNID_BCAPP, KOfflineDb_GetNIDByRec_BCAPP},
+               {KOfflineDb_GetTable_BITCAP, KOfflineDb_GetRecByNID_BITCAP, KOfflineDb_GetNIDByRec_BITCAP}};
+
+/// What copies the code of a record, or of the record with a NID.
+inline std::int32_t (*const kCodes[])(KOfflineDb*, std::int32_t, char*) = {
+    KOfflineDb_GetCCODEByRec, KOfflineDb_GetCCODEByRec_BDWG, KOfflineDb_GetCCODEByRec_BCAPP,
+    KOfflineDb_GetCCODEByNID, KOfflineDb_GetCCODEByNID_BDWG, KOfflineDb_GetCCODEByNID_BCAPP};
+
 /// The lines, each ended by CR LF.
 std::string Lines(const std::vector<std::string>& lines);
 
