@@ -23,3 +23,6 @@ trap 'rm -rf "$products"' EXIT
 python3 bench/product_bench.py build/bench/bin/vlt "$products/product" "$@"
 say "Data in and out"
 bench/exchange_bench.sh build/bench/bin/vlt "$products/product"
+say "The program"
+need /usr/bin/time=time /usr/bin/zip=zip /usr/bin/unzip=unzip
+bench/tool_bench.sh build/bench/bin/vlt "$@"
