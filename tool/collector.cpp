@@ -45,9 +45,11 @@ void Collector::collect(const fs::path& path, const std::string& name) {
     take({std::make_shared<const fs::path>(folder), path.filename().native(), name, file_status(path)});
 }
 
-bool Collector::is_not_this(const SourceFile& file) const {
-    std::error_code unequal;
-    return file.last == not_this.filename().native() && fs::equivalent(file.path(), not_this, unequal);
+/// The size tells nearly always, and is at hand; the name does not, for a file may have several.
+bool Collector::is_not_this(const SourceFile& file) {
+    std::error_code missing, unequal;
+    if (!not_this_size_) not_this_size_ = static_cast<std::int64_t>(fs::file_size(not_this, missing));
+    return file.status.size == *not_this_size_ && fs::equivalent(file.path(), not_this, unequal);
 }
 
 void Collector::take(SourceFile file) {

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -40,10 +41,12 @@ public:
 
 private:
     bool is_excluded(const std::string& name) const;
-    bool is_not_this(const SourceFile& file) const;
+    bool is_not_this(const SourceFile& file);
     void take(SourceFile file);
     void walk(const fs::path& folder, const std::string& name);
     std::vector<SourceFile> look_at(const fs::path& folder, const std::string& name);
+
+    std::optional<std::int64_t> not_this_size_;  // -1 where it is missing
 };
 
 /// The name that a path on the command line gets: without its root, "." and leading "..", with '/'.
