@@ -7,6 +7,7 @@
 #include "include/vlt.h"
 #include "tool/database.h"
 #include "tool/failure.h"
+#include "tool/names.h"
 #include "tool/package.h"
 
 namespace tool {
@@ -33,11 +34,6 @@ std::string encoded(const CodePage& page, std::string_view text, const std::stri
         text.remove_prefix(length);
     }
     return bytes;
-}
-
-bool is_utf8_name(std::string name) {
-    std::transform(name.begin(), name.end(), name.begin(), [](char c) { return c >= 'a' && c <= 'z' ? c - 32 : c; });
-    return name.empty() || name == "UTF-8" || name == "UTF8";
 }
 
 std::string bytes_of(const fs::path& path) {

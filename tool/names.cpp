@@ -71,12 +71,12 @@ void write_escaped(std::string_view bytes, std::string& text) {
     for (const char byte : bytes) text += fmt::format("\\x{:02x}", static_cast<std::uint8_t>(byte));
 }
 
+}  // namespace
+
 bool is_utf8_name(std::string name) {
     for (char& letter : name) letter = static_cast<char>(std::toupper(static_cast<unsigned char>(letter)));
     return name.empty() || name == "UTF-8" || name == "UTF8" || name == "CP65001";
 }
-
-}  // namespace
 
 std::size_t utf8_length(std::string_view text) {
     if (text.empty()) return 0;

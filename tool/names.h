@@ -17,6 +17,9 @@ namespace tool {
 std::u16string utf16_of_name(std::string_view stored);
 std::string name_of_utf16(std::u16string_view wide);
 
+/// Whether a code page is UTF-8, which none stands for as well.
+bool is_utf8_name(std::string name);
+
 /// The stored form of names without regard to the case of A to Z, as the library compares them.
 std::string folded(std::string_view stored);
 
