@@ -57,7 +57,7 @@ bool vlt_chain_write(Store& store, Chain& chain, std::int64_t offset, const void
                     });
 }
 
-bool write_words(Store& store, std::int32_t block, std::int32_t count) {
+bool write_map_words(Store& store, std::int32_t block, std::int32_t count) {
     return vlt_chain_write(store, store.images.header.chain, VLT_MAP_OFFSET + 4 * std::int64_t{block},
                            store.images.word_at(block), 4 * count);
 }

@@ -24,6 +24,6 @@ bool begin_chain(Store& store, Chain& chain, std::uint32_t first_block);
 bool follow_chain(Store& store, Chain& chain, std::int64_t position);
 
 /// Writes the map words of consecutive blocks through. Words side by side are one piece of the header run.
-bool write_words(Store& store, std::int32_t block, std::int32_t count);
+bool write_map_words(Store& store, std::int32_t block, std::int32_t count);
 
 }  // namespace vlt

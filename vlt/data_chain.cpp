@@ -83,11 +83,11 @@ bool ChainExtension::write_words_of_new_blocks() {
     for (std::int32_t position = old_length_; position < chain_.length();) {
         const Run run = chain_.run_at(position);
         const bool with_link = !link_written && run.block == before_ + 1 && position + run.count == chain_.length();
-        if (!write_words(store_, with_link ? before_ : run.block, run.count + (with_link ? 1 : 0))) return false;
+        if (!write_map_words(store_, with_link ? before_ : run.block, run.count + (with_link ? 1 : 0))) return false;
         link_written = link_written || with_link;
         position += run.count;
     }
-    return link_written || write_words(store_, before_, 1);
+    return link_written || write_map_words(store_, before_, 1);
 }
 
 bool ChainExtension::commit(std::int64_t end) {
@@ -129,7 +129,7 @@ bool release_chain(Store& store, std::uint32_t first_block) {
 
         const std::size_t bytes = static_cast<std::size_t>(count) * 4;
         std::memset(store.images.word_at(first), 0, bytes);
-        if (!write_words(store, first, count)) {
+        if (!write_map_words(store, first, count)) {
             std::memcpy(store.images.word_at(first), words, bytes);
             return false;
         }

@@ -12,35 +12,35 @@ namespace {
 /// Enters the entries from `first` on into the name index.
 bool index_names(Store& store, std::int32_t first) {
     const std::int32_t count = store.images.vlt_dir_count();
-    if (!store.names.index.set_limit(count)) return false;
+    if (!store.entries.names.set_limit(count)) return false;
     for (std::int32_t i = first; i < count; ++i)
-        if (store.images.entry(i).in_use()) store.names.index.add(i);
+        if (store.images.entry(i).in_use()) store.entries.names.add(i);
     return true;
 }
 
 /// Enters the free entries from `first` on into the set of free entries.
 bool count_free_entries(Store& store, std::int32_t first) {
     const std::int32_t count = store.images.vlt_dir_count();
-    if (!store.names.free_entries.set_limit(count)) return false;
+    if (!store.entries.free_entries.set_limit(count)) return false;
     for (std::int32_t i = first; i < count; ++i)
-        if (!store.images.entry(i).in_use()) store.names.free_entries.add(i);
-    store.names.entries_counted = true;
+        if (!store.images.entry(i).in_use()) store.entries.free_entries.add(i);
+    store.entries.entries_counted = true;
     return true;
 }
 
 /// Reserves what is kept for each entry of a directory that has grown by a block: after that nothing may fail.
-bool reserve_entries(Names& names, std::int32_t limit) {
-    return names.free_entries.set_limit(limit) && names.index.set_limit(limit) &&
-           names.states.reserve(static_cast<std::size_t>(limit));
+bool reserve_entries(KnownEntries& entries, std::int32_t limit) {
+    return entries.free_entries.set_limit(limit) && entries.names.set_limit(limit) &&
+           entries.states.reserve(static_cast<std::size_t>(limit));
 }
 
 /// Makes sure that there is a free entry. In a damaged directory the first entry of a new block can be in use: it
 /// begins in the bytes after the last whole entry.
 bool provide_free_entry(Store& store) {
-    if (!store.names.entries_counted && !count_free_entries(store, 0)) return false;
-    while (store.names.free_entries.count() == 0) {
+    if (!store.entries.entries_counted && !count_free_entries(store, 0)) return false;
+    while (store.entries.free_entries.count() == 0) {
         const std::int32_t count = store.images.vlt_dir_count();
-        if (!reserve_entries(store.names, store.images.dir_count_grown()) || !vlt_dir_extend(store)) return false;
+        if (!reserve_entries(store.entries, store.images.dir_count_grown()) || !vlt_dir_extend(store)) return false;
         if (!begin_directory(store) || !index_names(store, count) || !count_free_entries(store, count)) return false;
     }
     return true;
@@ -49,15 +49,15 @@ bool provide_free_entry(Store& store) {
 }  // namespace
 
 bool begin_directory(Store& store) {
-    return store.names.states.resize(static_cast<std::size_t>(store.images.vlt_dir_count()));
+    return store.entries.states.resize(static_cast<std::size_t>(store.images.vlt_dir_count()));
 }
 
 template <typename Char>
 bool vlt_dir_find(Store& store, const Char* name, Lookup lookup, std::int32_t* index) {
     *index = no_entry;
-    if (!store.names.index.built() && !index_names(store, 0)) return false;
+    if (!store.entries.names.built() && !index_names(store, 0)) return false;
     const NameField field(name);
-    const NameIndex& names = store.names.index;
+    const NameIndex& names = store.entries.names;
     *index = lookup == Lookup::files ? names.find_file(field.bytes()) : names.find_in_use(field.bytes());
     return true;
 }
@@ -65,7 +65,7 @@ bool vlt_dir_find(Store& store, const Char* name, Lookup lookup, std::int32_t* i
 template <typename Char>
 std::int32_t vlt_dir_add(Store& store, const Char* name) {
     if (!provide_free_entry(store)) return no_entry;
-    const std::int32_t index = store.names.free_entries.lowest();
+    const std::int32_t index = store.entries.free_entries.lowest();
     const NameField field(name);
     std::memset(store.images.entry_at(index), 0, static_cast<std::size_t>(store.images.entry_size()));
     vlt_dir_entry entry = store.images.entry(index);
@@ -75,8 +75,8 @@ std::int32_t vlt_dir_add(Store& store, const Char* name) {
     entry.set_created(now);
     entry.set_accessed(now);
     entry.set_written(now);
-    store.names.free_entries.remove(index);
-    store.names.index.add(index);
+    store.entries.free_entries.remove(index);
+    store.entries.names.add(index);
     return vlt_dir_put(store, index) ? index : no_entry;
 }
 
@@ -88,24 +88,24 @@ template std::int32_t vlt_dir_add(Store&, const vlt_wchar*);
 bool vlt_dir_put(Store& store, std::int32_t index) {
     const bool written = vlt_chain_write(store, store.images.directory.chain, store.images.entry_offset(index),
                                          store.images.entry_at(index), store.images.entry_size());
-    store.names.states[static_cast<std::size_t>(index)] = written ? EntryState::stored : EntryState::writing_failed;
+    store.entries.states[static_cast<std::size_t>(index)] = written ? EntryState::stored : EntryState::writing_failed;
     return written;
 }
 
 bool vlt_dir_put_if(Store& store, std::int32_t index, bool changed) {
-    if (!changed && store.names.states[static_cast<std::size_t>(index)] == EntryState::stored) return true;
+    if (!changed && store.entries.states[static_cast<std::size_t>(index)] == EntryState::stored) return true;
     return vlt_dir_put(store, index);
 }
 
 void keep_stamp_here(Store& store, std::int32_t index) {
-    EntryState& state = store.names.states[static_cast<std::size_t>(index)];
+    EntryState& state = store.entries.states[static_cast<std::size_t>(index)];
     if (state == EntryState::stored) state = EntryState::stamped_here;
 }
 
 void free_entry(Store& store, std::int32_t index) {
-    if (store.names.index.built()) store.names.index.remove(index);
+    if (store.entries.names.built()) store.entries.names.remove(index);
     store.images.entry(index).set_kind(VLT_ENTRY_FREE);
-    if (store.names.entries_counted) store.names.free_entries.add(index);
+    if (store.entries.entries_counted) store.entries.free_entries.add(index);
 }
 
 }  // namespace vlt

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "vlt/file_empty.h"
 #include "vlt/file_sharing.h"
-#include "vlt/named_file.h"
+#include "vlt/with_named_file.h"
 
 namespace vlt {
 

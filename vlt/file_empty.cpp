@@ -17,7 +17,7 @@ bool vlt_file_empty(Store& store, std::int32_t index) {
     entry.set_first_block(0);
     entry.set_accessed(now);
     entry.set_written(now);
-    if (OpenEntry* open = store.open_files.find(index)) open->chain.clear();
+    if (OpenFile* open = store.open_files.find(index)) open->chain.clear();
     return vlt_dir_put_if(store, index, changed) && release_chain(store, first_block);
 }
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "vlt/named_file.h"
+#include "vlt/with_named_file.h"
 
 namespace vlt {
 

@@ -26,7 +26,7 @@ bool append_own_block(Store& store, OwnChain& own, std::int32_t block) {
     take_block(store, block);
     store.images.set_word(block, VLT_BLOCK_USED);
     store.images.set_word(last, linked(last_word, block));
-    if (write_words(store, block, 1) && write_words(store, last, 1)) {
+    if (write_map_words(store, block, 1) && write_map_words(store, last, 1)) {
         store.images.own_blocks.add(block);
         return true;
     }

@@ -64,7 +64,7 @@ bool vlt_group_exclusive(const vlt_package& base) {
     return base.exclusive != 0;
 }
 
-OpenFailure open_shared(vlt_package& slot, std::int32_t base_index, const OpenRequest& request) {
+OpenFailure open_once_more(vlt_package& slot, std::int32_t base_index, const OpenRequest& request) {
     const vlt_package& base = vlt_package_table[base_index];
     if (vlt_group_exclusive(base)) return OpenFailure::access;
     if (base.store->host.read_only() && request.read_only == 0) return OpenFailure::access;
@@ -118,7 +118,7 @@ OpenFailure open_package(const OpenRequest& request, std::int32_t* handle) {
     if (!vlt_slot_find(request.path, &free_slot, &base_index)) return OpenFailure::no_file;
     vlt_package& slot = vlt_package_table[free_slot];
     *handle = free_slot + 1;
-    return base_index >= 0 ? open_shared(slot, base_index, request) : open_first(slot, request);
+    return base_index >= 0 ? open_once_more(slot, base_index, request) : open_first(slot, request);
 }
 
 }  // namespace

@@ -36,7 +36,7 @@ void check_chain(Store& store, std::int32_t block) {
 }
 
 void check_open_chain(Store& store, std::int32_t index) {
-    const OpenEntry* open = store.open_files.find(index);
+    const OpenFile* open = store.open_files.find(index);
     if (!open || open->chain.empty()) return;
     const Chain& chain = open->chain;
     check_truth(chain.first_block() == store.images.entry(index).first_index());
@@ -47,7 +47,7 @@ void check_open_chain(Store& store, std::int32_t index) {
 /// The name index leads from an entry's name to the lowest entry of that name.
 void check_name(Store& store, std::int32_t index) {
     const std::uint8_t* name = store.images.entry(index).name();
-    const std::int32_t file = store.names.index.find_file(name), in_use = store.names.index.find_in_use(name);
+    const std::int32_t file = store.entries.names.find_file(name), in_use = store.entries.names.find_in_use(name);
     check_truth(in_use >= 0 && in_use <= index && store.images.entry(in_use).in_use());
     if (store.images.entry(index).kind() == VLT_ENTRY_FILE)
         check_truth(file >= 0 && file <= index && store.images.entry(file).kind() == VLT_ENTRY_FILE);
@@ -62,9 +62,9 @@ void check_store(Store& store) {
     if (store.blocks.searched) check_free_blocks(store);
     for (std::int32_t i = 0; i < store.images.vlt_dir_count(); ++i) {
         const vlt_dir_entry entry = store.images.entry(i);
-        if (store.names.entries_counted) check_truth(store.names.free_entries.contains(i) == !entry.in_use());
+        if (store.entries.entries_counted) check_truth(store.entries.free_entries.contains(i) == !entry.in_use());
         if (!entry.in_use()) continue;
-        if (store.names.index.built()) check_name(store, i);
+        if (store.entries.names.built()) check_name(store, i);
         check_chain(store, entry.first_index());
         check_open_chain(store, i);
     }

@@ -11,8 +11,8 @@
 #include "platform/mutex.h"
 #include "vlt/blocks.h"
 #include "vlt/images.h"
-#include "vlt/names.h"
-#include "vlt/open_entries.h"
+#include "vlt/known_entries.h"
+#include "vlt/open_files.h"
 #include "vlt/package_host.h"
 #include "vlt/time_stamp.h"
 
@@ -27,12 +27,12 @@ struct Store {
     }
 
     HostMutex* mutex = nullptr;
-    PackageHost host;        // opened by package_open; blocks counted by header_load, package_grow, data_chain
-    Images images;           // see images.h
-    Blocks blocks;           // blocks; data_chain takes names from contested blocks
-    Names names{images};     // directory
-    OpenEntries open_files;  // file_table, file_open; the chains in it: chain_io, data_chain, file_empty
-    StampClock clock;        // itself
+    PackageHost host;              // opened by package_open; blocks counted by header_load, package_grow, data_chain
+    Images images;                 // see images.h
+    Blocks blocks;                 // blocks; data_chain takes names from contested blocks
+    KnownEntries entries{images};  // directory
+    OpenFiles open_files;          // file_table, file_open; the chains in it: chain_io, data_chain, file_empty
+    StampClock clock;              // itself
 
     /// Blocks that exist and have a map word. A header chain shorter than the host file asks for, as a growth that
     /// was cut off leaves it, hides the blocks beyond its words until the next growth lengthens it.

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-// Stored names in their two widths. Everything that differs between the narrow and the wide functions is here.
+// Stored names in their two widths: measured, compared, hashed, copied.
 //
 // The name field of an entry is not aligned, and may lack its terminator when the package is damaged.
 #pragma once

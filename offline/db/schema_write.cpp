@@ -4,7 +4,7 @@
 #include <cstring>
 #include <initializer_list>
 
-#include "offline/db/accessors.h"
+#include "offline/db/lookups.h"
 #include "offline/db/separator.h"
 #include "offline/db/stream_writer.h"
 

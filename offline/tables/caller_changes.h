@@ -6,7 +6,7 @@
 #pragma once
 
 #include "offline/tables/fields.h"
-#include "offline/tables/record_store.h"
+#include "offline/tables/record_pointers.h"
 
 namespace vlt {
 

@@ -9,7 +9,7 @@
 #include "offline/tables/caller_changes.h"
 #include "offline/tables/escape.h"
 #include "offline/tables/record_arena.h"
-#include "offline/tables/record_store.h"
+#include "offline/tables/record_pointers.h"
 #include "offline/tables/table.h"
 #include "platform/multibyte.h"
 

@@ -6,7 +6,7 @@
 #include "base/ascii_case.h"
 #include "offline/tables/caller_changes.h"
 #include "offline/tables/index.h"
-#include "offline/tables/record_store.h"
+#include "offline/tables/record_pointers.h"
 #include "offline/tables/text.h"
 
 namespace vlt {

@@ -12,7 +12,7 @@
 
 #include "include/offline.h"
 #include "offline/tables/headed.h"
-#include "offline/tables/record.h"
+#include "offline/tables/record_bytes.h"
 
 namespace vlt {
 

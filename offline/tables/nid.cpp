@@ -6,7 +6,7 @@
 #include <limits>
 
 #include "offline/tables/fields.h"
-#include "offline/tables/record.h"
+#include "offline/tables/record_bytes.h"
 #include "offline/tables/text.h"
 
 namespace vlt {

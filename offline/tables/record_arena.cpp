@@ -4,7 +4,7 @@
 #include <algorithm>
 
 #include "base/heap.h"
-#include "offline/tables/record.h"
+#include "offline/tables/record_bytes.h"
 
 namespace vlt {
 

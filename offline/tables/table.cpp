@@ -8,7 +8,7 @@
 #include "offline/tables/fields.h"
 #include "offline/tables/index.h"
 #include "offline/tables/nid.h"
-#include "offline/tables/record_store.h"
+#include "offline/tables/record_pointers.h"
 
 namespace vlt {
 

@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "include/offline.h"
-#include "offline/tables/record.h"
+#include "offline/tables/record_bytes.h"
 
 namespace vlt {
 

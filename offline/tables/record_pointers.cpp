@@ -1,13 +1,13 @@
 // SPDX-License-Identifier: MIT
-#include "offline/tables/record_store.h"
+#include "offline/tables/record_pointers.h"
 
 #include <algorithm>
 #include <cstring>
 #include <limits>
 
 #include "base/heap.h"
-#include "offline/tables/record.h"
 #include "offline/tables/record_arena.h"
+#include "offline/tables/record_bytes.h"
 
 namespace vlt {
 

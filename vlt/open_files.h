@@ -13,24 +13,24 @@
 namespace vlt {
 
 /// One directory entry with at least one open file.
-struct OpenEntry {
+struct OpenFile {
     std::int32_t opens = 0;            // slots that have the file open
     std::int32_t writers = 0;          // of these, opened for writing or appending
     std::int32_t exclusive_opens = 0;  // of these, opened exclusively
     Chain chain;
 };
 
-class OpenEntries {
+class OpenFiles {
 public:
-    OpenEntries() = default;
-    OpenEntries(const OpenEntries&) = delete;
-    OpenEntries& operator=(const OpenEntries&) = delete;
-    ~OpenEntries() {
-        for (OpenEntry* entry : by_index_) destroy(entry);
+    OpenFiles() = default;
+    OpenFiles(const OpenFiles&) = delete;
+    OpenFiles& operator=(const OpenFiles&) = delete;
+    ~OpenFiles() {
+        for (OpenFile* entry : by_index_) destroy(entry);
     }
 
     /// What is open of an entry, null for nothing.
-    OpenEntry* find(std::int32_t index) const {
+    OpenFile* find(std::int32_t index) const {
         return static_cast<std::size_t>(index) < by_index_.size() ? by_index_[static_cast<std::size_t>(index)]
                                                                   : nullptr;
     }
@@ -38,20 +38,20 @@ public:
     /// Reserves one more open of any of the first `entries` entries; false when memory runs out.
     [[nodiscard]] bool reserve(std::int32_t entries) {
         if (!by_index_.resize(std::max(static_cast<std::size_t>(entries), by_index_.size()))) return false;
-        if (!spare_) spare_ = make_owned<OpenEntry>();
+        if (!spare_) spare_ = make_owned<OpenFile>();
         return spare_ != nullptr;
     }
 
     /// Counts one more open of an entry for which it was reserved.
     void add(std::int32_t index, bool writes, bool exclusive) {
-        OpenEntry*& entry = by_index_[static_cast<std::size_t>(index)];
+        OpenFile*& entry = by_index_[static_cast<std::size_t>(index)];
         if (!entry) entry = spare_.release();
         count(*entry, writes, exclusive, 1);
     }
 
     /// Counts one open less, and forgets the entry with its last.
     void remove(std::int32_t index, bool writes, bool exclusive) {
-        OpenEntry*& entry = by_index_[static_cast<std::size_t>(index)];
+        OpenFile*& entry = by_index_[static_cast<std::size_t>(index)];
         count(*entry, writes, exclusive, -1);
         if (entry->opens > 0) return;
         entry->chain.clear();
@@ -61,19 +61,19 @@ public:
 
     /// Forgets what is known of every other chain.
     void forget_chains_but(const Chain& kept) {
-        for (OpenEntry* entry : by_index_)
+        for (OpenFile* entry : by_index_)
             if (entry && &entry->chain != &kept) entry->chain.clear();
     }
 
 private:
-    static void count(OpenEntry& entry, bool writes, bool exclusive, std::int32_t by) {
+    static void count(OpenFile& entry, bool writes, bool exclusive, std::int32_t by) {
         entry.opens += by;
         if (writes) entry.writers += by;
         if (exclusive) entry.exclusive_opens += by;
     }
 
-    Array<OpenEntry*> by_index_;
-    Owned<OpenEntry> spare_;  // for the next file to be opened: as a rule one is closed before
+    Array<OpenFile*> by_index_;
+    Owned<OpenFile> spare_;  // for the next file to be opened: as a rule one is closed before
 };
 
 }  // namespace vlt

@@ -18,10 +18,10 @@ enum class EntryState : std::uint8_t {
 };
 
 /// What is known of the entries besides their bytes.
-struct Names {
-    explicit Names(Images& images) : index(images) {}
+struct KnownEntries {
+    explicit KnownEntries(Images& images) : names(images) {}
 
-    NameIndex index;               // the entries in use by name; empty until the first lookup
+    NameIndex names;               // the entries in use, by name; empty until the first lookup
     bool entries_counted = false;  // the free entries have been found; until then `free_entries` is empty
     IndexSet free_entries;
     Array<EntryState> states;  // of every entry

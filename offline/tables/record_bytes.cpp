@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "offline/tables/record.h"
+#include "offline/tables/record_bytes.h"
 
 #include <cstring>
 
