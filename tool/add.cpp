@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // vlt add
-#include <fmt/format.h>
-#include <map>
+#include <algorithm>
+#include <ctime>
 #include <memory>
 #include <optional>
 #include <unordered_map>
@@ -10,6 +10,7 @@
 #include "tool/package.h"
 #include "tool/program.h"
 #include "tool/progress.h"
+#include "tool/read_ahead.h"
 #include "tool/stamps.h"
 
 namespace tool {
@@ -23,7 +24,60 @@ struct AddOptions {
     bool update = false, dry_run = false, quiet = false;
 };
 
-constexpr std::size_t kPiece = 1 << 18;
+/// A file of the host that is going to be stored.
+struct Planned {
+    const SourceFile* source;
+    std::string name;     // stored form
+    const Entry* before;  // what is stored under it so far, if anything
+};
+
+/// A file of the host that cannot be read; the others can be.
+struct Unreadable : Failure {
+    explicit Unreadable(const Failure& failure) : Failure(failure) {}
+};
+
+/// Opens files to be read, one folder after the other.
+class Sources {
+public:
+    ReadAhead::File open(const SourceFile& source) {
+        try {
+            if (source.folder != opened_) {
+                opened_.reset();
+                folder_.emplace(source.folder->empty() ? fs::path(".") : *source.folder);
+                opened_ = source.folder;
+            }
+            return {reader(folder_->open(source.last), source.status.size),
+                    static_cast<std::size_t>(std::clamp<std::int64_t>(source.status.size, 0, 1 << 30))};
+        } catch (const Failure& failure) {
+            throw Unreadable(failure);
+        }
+    }
+
+private:
+    /// A read that got less than it asked for, and reached the size that was told, reached the end. A file that has
+    /// grown since has more than that; what the system makes up when it is read is told as 0.
+    static ReadAhead::Read reader(HostFile file, std::int64_t size) {
+        auto shared = std::make_shared<HostFile>(std::move(file));
+        return [shared, left = size, at_end = false](char* to, std::size_t room) mutable -> std::size_t {
+            if (at_end) return 0;
+            const std::size_t length = read(*shared, to, room);
+            left -= static_cast<std::int64_t>(length);
+            at_end = length < room && left == 0;
+            return length;
+        };
+    }
+
+    static std::size_t read(HostFile& file, char* to, std::size_t room) {
+        try {
+            return file.read(to, room);
+        } catch (const Failure& failure) {
+            throw Unreadable(failure);
+        }
+    }
+
+    std::shared_ptr<const fs::path> opened_;
+    std::optional<HostFolder> folder_;  // the one in `opened_`
+};
 
 /// Stores files one after the other, and notes what could not be stored.
 class Adding {
@@ -33,24 +87,21 @@ public:
           options_(options),
           out_(out),
           collector_(collector),
-          progress_("add", collector.bytes, options.quiet),
-          piece_(kPiece) {
+          progress_("add", collector.bytes, options.quiet) {
         package.for_each([&](const Entry& entry) { stored_.emplace(folded(entry.name), entry); });
     }
 
-    void add(const SourceFile& source) {
-        const auto name = package_.names().stored(source.name);
-        if (!name) return leave_out(source, "its name is too long, or has characters that the package cannot store");
-        const auto [same, is_new] = added_.emplace(folded(*name), &source);
-        if (!is_new) return leave_out(source, "its name differs from '" + same->second->name + "' in case only");
-        const Entry* before = stored_as(same->first);
-        if (options_.update && before && unchanged(source, *before))
-            return progress_.advance(static_cast<std::uint64_t>(source.status.size));
-        if (options_.dry_run) return out_.line(package_.names().shown(*name));
-        try {
-            store(open(source), source, *name, before);
-        } catch (const Unreadable& failure) {
-            leave_out(source, failure.what());
+    void add_all() {
+        for (const SourceFile& source : collector_.files) plan(source);
+        Sources sources;
+        ReadAhead ahead(planned_.size(), [&](std::size_t number) { return sources.open(*planned_[number].source); });
+        for (std::size_t number = 0; number < planned_.size(); ++number) {
+            const Planned& file = planned_[number];
+            try {
+                store([&] { return ahead.next(number); }, file);
+            } catch (const Unreadable& failure) {
+                leave_out(*file.source, failure.what());
+            }
         }
     }
 
@@ -60,10 +111,26 @@ public:
         if (options_.dry_run) return out_.line(package_.names().shown(*name));
         SourceFile source{{}, {}, text, {}};
         source.status.written = static_cast<std::int64_t>(std::time(nullptr));
-        store(HostFile::standard_input(), source, *name, stored_as(folded(*name)));
+        HostFile input = HostFile::standard_input();
+        std::vector<char> piece(1 << 18);
+        const auto next = [&] { return std::string_view(piece.data(), input.read(piece.data(), piece.size())); };
+        store(next, {&source, *name, stored_as(folded(*name))});
     }
 
 private:
+    /// Decides what becomes of a file before any is read.
+    void plan(const SourceFile& source) {
+        const auto name = package_.names().stored(source.name);
+        if (!name) return leave_out(source, "its name is too long, or has characters that the package cannot store");
+        const auto [same, is_new] = added_.emplace(folded(*name), &source);
+        if (!is_new) return leave_out(source, "its name differs from '" + same->second->name + "' in case only");
+        const Entry* before = stored_as(same->first);
+        if (options_.update && before && unchanged(source, *before))
+            return progress_.advance(static_cast<std::uint64_t>(source.status.size));
+        if (options_.dry_run) return out_.line(package_.names().shown(*name));
+        planned_.push_back({&source, *name, before});
+    }
+
     const Entry* stored_as(const std::string& folded_name) const {
         const auto found = stored_.find(folded_name);
         return found == stored_.end() ? nullptr : &found->second;
@@ -77,76 +144,46 @@ private:
         collector_.left_out.push_back({source.name, reason});
     }
 
-    HostFile open(const SourceFile& source) {
-        try {
-            if (source.folder != opened_) {
-                opened_.reset();
-                folder_.emplace(source.folder->empty() ? fs::path(".") : *source.folder);
-                opened_ = source.folder;
-            }
-            return folder_->open(source.last);
-        } catch (const Failure& failure) {
-            throw Unreadable(failure);
-        }
-    }
-
-    /// Stores a file whole, or removes what was stored of it.
-    void store(HostFile input, const SourceFile& source, const std::string& name, const Entry* before) {
+    /// Stores a file whole, piece by piece, or removes what was stored of it.
+    template <typename Next>
+    void store(Next next, const Planned& planned) {
         // Read a first piece before the stored file is emptied: what cannot be read replaces nothing.
-        std::size_t length = read(input);
-        StoredFile file = package_.open_to_write(name);
+        std::string_view piece = next();
+        StoredFile file = package_.open_to_write(planned.name);
         try {
-            for (std::int64_t done = 0; length > 0;) {
-                file.write(piece_.data(), length);
-                progress_.advance(length);
-                done += static_cast<std::int64_t>(length);
-                // A read that got less than it asked for, and reached the size that was told, reached the end. A file
-                // that has grown since has more than that; what the system makes up when it is read is told as 0.
-                const bool at_end = length < piece_.size() && done == source.status.size;
-                length = at_end ? 0 : read(input);
+            for (; !piece.empty(); piece = next()) {
+                file.write(piece.data(), piece.size());
+                progress_.advance(piece.size());
             }
             check_interrupt();  // Ctrl-C ends the program before the pipe as well: what came is not all of it
             file.close();
-            set_times(source, name, before);
+            set_times(planned);
         } catch (...) {
             file.close();
-            package_.remove(name);
+            package_.remove(planned.name);
             progress_.clear();
-            warn(package_.path() + ": " + package_.names().shown(name) + ": was stored in part and is removed again");
+            warn(package_.path() + ": " + package_.names().shown(planned.name) +
+                 ": was stored in part and is removed again");
             throw;
         }
     }
 
-    std::size_t read(HostFile& input) {
-        try {
-            return input.read(piece_.data(), piece_.size());
-        } catch (const Failure& failure) {
-            throw Unreadable(failure);
-        }
-    }
-
-    void set_times(const SourceFile& source, const std::string& name, const Entry* before) {
+    void set_times(const Planned& planned) {
         Entry entry;
-        entry.name = name;
-        entry.accessed = entry.written = entry.created = stamp_of(source.status.written);
-        if (before) entry.created = before->created;
+        entry.name = planned.name;
+        entry.accessed = entry.written = entry.created = stamp_of(planned.source->status.written);
+        if (planned.before) entry.created = planned.before->created;
         package_.set_times(entry);
     }
-
-    struct Unreadable : Failure {
-        explicit Unreadable(const Failure& failure) : Failure(failure) {}
-    };
 
     Package& package_;
     const AddOptions& options_;
     Output& out_;
     Collector& collector_;
     Progress progress_;
-    std::vector<char> piece_;
     std::unordered_map<std::string, Entry> stored_;
     std::unordered_map<std::string, const SourceFile*> added_;
-    std::shared_ptr<const fs::path> opened_;
-    std::optional<HostFolder> folder_;  // the one in `opened_`
+    std::vector<Planned> planned_;
 };
 
 std::string prefixed(const AddOptions& options, const std::string& name) {
@@ -181,8 +218,7 @@ int add(Program& program, const AddOptions& options) {
     Package package(options.package, Access::write);
     {
         Adding adding(package, options, program.out(), collector);
-        if (options.paths.front() == "-") adding.add_input(options.as);
-        for (const SourceFile& source : collector.files) adding.add(source);
+        options.paths.front() == "-" ? adding.add_input(options.as) : adding.add_all();
     }
     package.close();
     for (const LeftOut& each : collector.left_out) warn(shown_text(each.name) + ": left out: " + each.reason);

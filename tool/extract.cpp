@@ -9,6 +9,7 @@
 #include "tool/patterns.h"
 #include "tool/program.h"
 #include "tool/progress.h"
+#include "tool/read_ahead.h"
 #include "tool/safe_names.h"
 #include "tool/stamps.h"
 #include "tool/sums.h"
@@ -46,12 +47,37 @@ struct ExtractOptions {
 
 class Extracting {
 public:
-    Extracting(const Package& package, const ExtractOptions& options, std::uint64_t bytes)
+    Extracting(const Package& package, const ExtractOptions& options, std::vector<Entry> entries)
         : package_(package),
           options_(options),
+          entries_(std::move(entries)),
           top_(path_of(options.folder)),
-          progress_("extract", bytes, options.quiet),
-          piece_(kPiece) {}
+          progress_("extract", bytes_of(entries_), options.quiet),
+          ahead_(entries_.size(), [this](std::size_t number) { return open(entries_[number]); }) {}
+
+    void extract_all() {
+        for (number_ = 0; number_ < entries_.size(); ++number_) extract(entries_[number_]);
+    }
+
+    /// Prints what was not extracted; returns whether there was any.
+    bool report() {
+        progress_.clear();
+        for (const std::string& text : refused_) warn(text);
+        return !refused_.empty();
+    }
+
+private:
+    static std::uint64_t bytes_of(const std::vector<Entry>& entries) {
+        std::uint64_t bytes = 0;
+        for (const Entry& entry : entries) bytes += static_cast<std::uint64_t>(entry.size);
+        return bytes;
+    }
+
+    ReadAhead::File open(const Entry& entry) const {
+        auto file = std::make_shared<StoredFile>(package_.open_to_read(entry));
+        return {[file](char* to, std::size_t room) { return file->read(to, room); },
+                static_cast<std::size_t>(std::clamp<std::int64_t>(entry.size, 0, 1 << 30))};
+    }
 
     void extract(const Entry& entry) {
         std::string name = package_.names().plain(entry.name);
@@ -65,14 +91,6 @@ public:
         if (!refusal.empty()) refused_.push_back(package_.names().shown(entry.name) + ": not extracted: " + refusal);
     }
 
-    /// Prints what was not extracted; returns whether there was any.
-    bool report() {
-        progress_.clear();
-        for (const std::string& text : refused_) warn(text);
-        return !refused_.empty();
-    }
-
-private:
     static std::string last_part(const std::string& name) { return name.substr(name.find_last_of("/\\") + 1); }
 
     std::string unused_name(const std::string& name) const {
@@ -128,7 +146,7 @@ private:
         if (!refusal.empty()) return refusal;
         NewFile made(folder_);
         try {
-            copy(package_.open_to_read(entry), made.file());
+            copy_to(made.file());
         } catch (const StoredFailure& failure) {
             return failure.what();
         }
@@ -142,25 +160,27 @@ private:
         return refusal;
     }
 
-    void copy(StoredFile from, HostFile& to) {
-        while (const std::size_t length = from.read(piece_.data(), piece_.size())) {
-            to.write(piece_.data(), length);
-            progress_.advance(length);
+    void copy_to(HostFile& file) {
+        for (std::string_view piece; !(piece = ahead_.next(number_)).empty();) {
+            file.write(piece.data(), piece.size());
+            progress_.advance(piece.size());
         }
         progress_.advance(0);
     }
 
     const Package& package_;
     const ExtractOptions& options_;
+    const std::vector<Entry> entries_;
     fs::path top_;
     Progress progress_;
-    std::vector<char> piece_;
     std::unordered_set<std::string> taken_;
     std::unordered_map<PathText, bool> entered_;  // folders; whether they were made here
     std::string folder_name_;                     // of the one that is open, as names begin
     std::shared_ptr<const HostFolder> folder_;
     bool folder_is_new_ = false;
     std::vector<std::string> refused_;
+    std::size_t number_ = 0;  // of the entry in hand
+    ReadAhead ahead_;         // the last member: its thread uses the others
 };
 
 /// The sums of a sealed package are its own affair, unless somebody asks for them by their name.
@@ -173,18 +193,16 @@ int extract(Program&, const ExtractOptions& options) {
     const Package package(options.package, Access::read);
     Selection selection(options.patterns, package.names());
     std::vector<Entry> entries;
-    std::uint64_t bytes = 0;
     const bool with_sums = names_the_sums(options.patterns);
     package.for_each([&](const Entry& entry) {
         if ((folded(entry.name) == kSumsName && !with_sums) || !selection.selects(entry.name)) return;
         entries.push_back(entry);
-        bytes += static_cast<std::uint64_t>(entry.size);
     });
     std::error_code error;
     fs::create_directories(path_of(options.folder), error);
     if (error) throw Failure(options.folder, error.message());
-    Extracting extracting(package, options, bytes);
-    for (const Entry& entry : entries) extracting.extract(entry);
+    Extracting extracting(package, options, std::move(entries));
+    extracting.extract_all();
     const bool refused = extracting.report();
     return selection.report_unused(options.package.path) || refused ? kFindings : kDone;
 }

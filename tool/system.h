@@ -137,7 +137,7 @@ private:
 
 // ---- Code pages ----
 
-/// Converts between a code page and UTF-8, a character at a time.
+/// Converts between a code page and UTF-8, a character at a time; for any number of threads at once.
 class CodePage {
 public:
     /// Fails with `Failure` for a name that the system does not know.

@@ -9,6 +9,7 @@
 #include <csignal>
 #include <cstdlib>
 #include <iostream>
+#include <mutex>
 
 #include "tool/failure.h"
 
@@ -90,10 +91,11 @@ std::int64_t seconds_of(std::tm local) {
 
 struct CodePage::State {
     iconv_t to_text, from_text;
+    std::mutex mutex{};  // each of the two has a state
 };
 
 CodePage::CodePage(const std::string& name)
-    : state_(std::make_unique<State>(State{iconv_open("UTF-8", name.c_str()), iconv_open(name.c_str(), "UTF-8")})) {
+    : state_(new State{iconv_open("UTF-8", name.c_str()), iconv_open(name.c_str(), "UTF-8")}) {
     const auto none = reinterpret_cast<iconv_t>(-1);
     if (state_->to_text == none || state_->from_text == none)
         throw Failure(name, "unknown encoding; `iconv -l` lists those that there are");
@@ -106,6 +108,7 @@ CodePage::~CodePage() {
 
 std::size_t CodePage::decode(std::string_view bytes, std::string& text) const {
     constexpr std::size_t longest = 4;
+    const std::lock_guard lock(state_->mutex);
     for (std::size_t length = 1; length <= longest && length <= bytes.size(); ++length) {
         char* from = const_cast<char*>(bytes.data());
         std::size_t from_left = length;
@@ -122,6 +125,7 @@ std::size_t CodePage::decode(std::string_view bytes, std::string& text) const {
 }
 
 bool CodePage::encode(std::string_view text, std::string& bytes) const {
+    const std::lock_guard lock(state_->mutex);
     std::string buffer(text.size() * 4 + 16, '\0');
     char* from = const_cast<char*>(text.data());
     std::size_t from_left = text.size();
