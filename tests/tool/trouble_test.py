@@ -127,6 +127,34 @@ def full_disk():
     assert list(pathlib.Path("out").iterdir()) == []
 
 
-for trouble in (interrupted, killed, edits_killed, endless_paths, two_writers, full_disk):
+def contents(folder):
+    return {str(path.relative_to(folder)): path.read_bytes() for path in pathlib.Path(folder).rglob("*") if path.is_file()}
+
+
+def read_ahead():
+    """Files around the sizes in which they are read ahead, some of which are passed over; also where the system gives
+    no thread, since its stack would take more memory than the process may have."""
+    sizes = [0, 1, 524287, 524288, 524289, 5000000, 3, 0, 1048577, 7]
+    os.mkdir("many")
+    for number, size in enumerate(sizes): pathlib.Path("many", f"f{number}").write_bytes(os.urandom(size))
+    pathlib.Path("many", "Bé").write_bytes(b"b")
+    for limits in ("", "ulimit -s 8000000 -v 4000000 && "):
+        def ahead(*words): return subprocess.run(["bash", "-c", f'{limits}exec "$0" "$@"', vlt, *words], capture_output=True)
+        shutil.rmtree("there", ignore_errors=True)
+        package = f"ahead{len(limits)}.vlt"
+        new_package(package)
+        assert ahead("add", package, "many").returncode == 0 and ahead("extract", package, "-C", "there").returncode == 0
+        assert contents("there/many") == contents("many")
+        for number in (0, 5, 8): pathlib.Path("there", "many", f"f{number}").unlink()
+        pathlib.Path("there", "many", "f4").write_bytes(b"mine")
+        again = ahead("extract", package, "many", "-C", "there")
+        assert again.returncode == 1 and again.stderr.count(b"it is there already") == len(sizes) + 1 - 3, again.stderr
+        assert contents("there/many") == {**contents("many"), "f4": b"mine"}
+        pathlib.Path("many", "f3").write_bytes(b"shorter")
+        assert ahead("add", "--update", package, "many").returncode == 0
+        assert run("cat", package, "many/f3").stdout == "shorter"
+
+
+for trouble in (interrupted, killed, edits_killed, endless_paths, two_writers, full_disk, read_ahead):
     trouble()
     print(trouble.__name__, "passed")
