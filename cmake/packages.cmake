@@ -50,7 +50,8 @@ if(TARGET vlt_tool)
     list(APPEND CPACK_COMPONENTS_ALL tool)
     vlt_debian_package(tool vlt utils "${about}This is the
 program that works on both.")
-    set(CPACK_DEBIAN_TOOL_PACKAGE_RECOMMENDS fuse3) # fusermount3, with which others than root mount
+    # What `vlt mount` loads, and fusermount3, with which others than root mount.
+    set(CPACK_DEBIAN_TOOL_PACKAGE_RECOMMENDS "libfuse3-3, fuse3")
     set(CPACK_DEBIAN_TOOL_PACKAGE_DEPENDS "libvlt1 (= ${PROJECT_VERSION}-1)")
 endif()
 include(CPack)

@@ -1,12 +1,11 @@
 // SPDX-License-Identifier: MIT
 // vlt mount: the files of a package as a file system, by libfuse3.
-#define FUSE_USE_VERSION 31
-#include <fuse.h>
 #include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdarg>
 
+#include "tool/fuse_library.h"
 #include "tool/mount_files.h"
 #include "tool/program.h"
 
@@ -25,7 +24,7 @@ struct MountOptions {
 template <typename Operation>
 int run(int error, Operation operation) {
     try {
-        return operation(*static_cast<MountFiles*>(fuse_get_context()->private_data));
+        return operation(*static_cast<MountFiles*>(FuseLibrary::get().fuse_get_context()->private_data));
     } catch (const std::bad_alloc&) {
         return -ENOMEM;
     } catch (const std::exception& failure) {
@@ -37,7 +36,7 @@ int run(int error, Operation operation) {
 void* init(fuse_conn_info* connection, fuse_config* config) {
     connection->want &= ~static_cast<unsigned>(FUSE_CAP_ATOMIC_O_TRUNC);  // files are emptied by `truncate`
     config->kernel_cache = 1;                                             // nobody else changes the package
-    return fuse_get_context()->private_data;
+    return FuseLibrary::get().fuse_get_context()->private_data;
 }
 
 int list(const char* path, void* buffer, fuse_fill_dir_t fill, off_t, fuse_file_info*, fuse_readdir_flags) {
@@ -129,20 +128,20 @@ std::string escaped(const std::string& text) {
 class Mounting {
 public:
     Mounting(MountFiles& files, const MountOptions& options) {
-        fuse_set_log_func(note);
+        FuseLibrary::get().fuse_set_log_func(note);
         std::string words[] = {"vlt", "-o" + options.access + ",subtype=vlt,fsname=" + escaped(options.package.path)};
         char* pointers[] = {words[0].data(), words[1].data(), nullptr};
         fuse_args arguments = FUSE_ARGS_INIT(2, pointers);
         const fuse_operations table = operations();
-        fuse_ = fuse_new(&arguments, &table, sizeof table, &files);
-        if (fuse_ && fuse_mount(fuse_, options.folder.c_str()) == 0) return;
-        if (fuse_) fuse_destroy(fuse_);
+        fuse_ = FuseLibrary::get().fuse_new(&arguments, &table, sizeof table, &files);
+        if (fuse_ && FuseLibrary::get().fuse_mount(fuse_, options.folder.c_str()) == 0) return;
+        if (fuse_) FuseLibrary::get().fuse_destroy(fuse_);
         throw Failure(options.folder, "nothing can be mounted there (" + said_last() +
                                           "); that takes /dev/fuse and, unless you are root, fusermount3");
     }
     ~Mounting() {
-        fuse_unmount(fuse_);
-        fuse_destroy(fuse_);
+        FuseLibrary::get().fuse_unmount(fuse_);
+        FuseLibrary::get().fuse_destroy(fuse_);
     }
     Mounting(const Mounting&) = delete;
     Mounting& operator=(const Mounting&) = delete;
@@ -151,9 +150,10 @@ public:
     bool serve() {
         // The library takes over those signals only that nobody has taken.
         for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, SIG_DFL);
-        if (fuse_set_signal_handlers(fuse_get_session(fuse_)) != 0) return false;
-        const bool served = fuse_loop(fuse_) >= 0;
-        fuse_remove_signal_handlers(fuse_get_session(fuse_));
+        if (FuseLibrary::get().fuse_set_signal_handlers(FuseLibrary::get().fuse_get_session(fuse_)) != 0)
+            return false;
+        const bool served = FuseLibrary::get().fuse_loop(fuse_) >= 0;
+        FuseLibrary::get().fuse_remove_signal_handlers(FuseLibrary::get().fuse_get_session(fuse_));
         return served;
     }
 

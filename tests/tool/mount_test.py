@@ -126,6 +126,12 @@ def refusals():
         refused = run("mount", *words, root)
         assert refused.returncode == 2 and text in refused.stderr.decode(), refused.stderr
     assert "not an empty folder" in run("mount", "words.vlt", ".").stderr.decode()
+    os.mkdir("broken")
+    pathlib.Path("broken", "libfuse3.so.3").touch()
+    for words, status in (["ls"], 0), (["mount", "--read-word", "r"], 2):
+        done = subprocess.run([vlt, *words, "words.vlt", *[root][:status]], capture_output=True,
+                              env={**os.environ, "LD_LIBRARY_PATH": "broken", "VLT_READ_WORD": "r"})
+        assert done.returncode == status and (status == 0) != (b"libfuse3 is needed" in done.stderr), done
 
 
 def full_disk():
