@@ -30,7 +30,8 @@ public:
         return library;
     }
 
-#define VLT_FUNCTION(name) decltype(&::name) name = reinterpret_cast<decltype(&::name)>(find(#name));
+#define VLT_FUNCTION(name) /* NOLINTNEXTLINE(bugprone-macro-parentheses) */ \
+    decltype(&::name) name = reinterpret_cast<decltype(&::name)>(find(#name));
     VLT_FUSE_FUNCTIONS(VLT_FUNCTION)
 #undef VLT_FUNCTION
 
