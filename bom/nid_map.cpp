@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <optional>
 
 #include "bom/text.h"
 
@@ -11,16 +10,19 @@ namespace bom {
 
 namespace {
 
-/// The number that a text stands for if it is written as numbers are: without sign and leading zeros.
-std::optional<std::uint32_t> plain_number(const char* text) {
-    if (*text == '\0' || (*text == '0' && text[1] != '\0')) return std::nullopt;
+constexpr std::int64_t kNoNumber = -1;
+constexpr std::int64_t kGreatest = std::numeric_limits<std::uint32_t>::max();
+constexpr std::ptrdiff_t kMostDigits = std::numeric_limits<std::uint32_t>::digits10 + 1;
+
+/// The number of 32 bits that a text stands for if it is written as numbers are: without sign and leading zeros;
+/// kNoNumber for any other. Called for every end of a line, and an optional would come back by way of memory.
+std::int64_t plain_number(const char* text) {
+    if (*text == '\0' || (*text == '0' && text[1] != '\0')) return kNoNumber;
     std::uint64_t number = 0;
-    for (; *text; ++text) {
-        if (*text < '0' || *text > '9') return std::nullopt;
-        number = number * 10 + static_cast<std::uint64_t>(*text - '0');
-        if (number > std::numeric_limits<std::uint32_t>::max()) return std::nullopt;
-    }
-    return static_cast<std::uint32_t>(number);
+    const char* at = text;
+    for (; *at >= '0' && *at <= '9'; ++at) number = number * 10 + static_cast<std::uint64_t>(*at - '0');
+    if (*at || at - text > kMostDigits || number > kGreatest) return kNoNumber;
+    return static_cast<std::int64_t>(number);
 }
 
 }  // namespace
@@ -30,27 +32,44 @@ bool has_ascending_nids(KOfflineTable* table, std::int32_t field) {
     std::int64_t last = -1;
     for (std::int32_t rec = 0; rec < records; ++rec) {
         const char* nid = KOfflineTable_GetFldValue(table, rec, field);
-        const auto number = nid ? plain_number(nid) : std::nullopt;
-        if (!number || *number <= last) return false;
-        last = *number;
+        const std::int64_t number = nid ? plain_number(nid) : kNoNumber;
+        if (number <= last) return false;
+        last = number;
     }
     return true;
 }
 
 NidMap::NidMap(KOfflineTable* table, std::int32_t field) {
+    read_run(table, field);
     const std::int32_t records = KOfflineTable_GetRecsCount(table);
-    numbers_.reserve(static_cast<std::size_t>(records));
-    for (std::int32_t rec = 0; rec < records; ++rec) {
+    numbers_.reserve(static_cast<std::size_t>(records - run_));
+    for (std::int32_t rec = run_; rec < records; ++rec) {
         const char* nid = KOfflineTable_GetFldValue(table, rec, field);
-        if (!nid || !*nid) continue;
-        if (const auto number = plain_number(nid)) {
-            numbers_.push_back({*number, rec});
-        } else if (!texts_.emplace(folded(nid), rec).second) {
-            doubles_.push_back(rec);
-        }
+        if (nid && *nid) add(nid, rec);
     }
     if (!numbers_.empty()) sort_numbers();
     std::sort(doubles_.begin(), doubles_.end());
+}
+
+void NidMap::read_run(KOfflineTable* table, std::int32_t field) {
+    const std::int32_t records = KOfflineTable_GetRecsCount(table);
+    for (; run_ < records; ++run_) {
+        const char* nid = KOfflineTable_GetFldValue(table, run_, field);
+        const std::int64_t number = nid ? plain_number(nid) : kNoNumber;
+        if (run_ == 0) run_first_ = number;
+        if (number == kNoNumber || number != run_first_ + run_) return;
+    }
+}
+
+void NidMap::add(const char* nid, std::int32_t rec) {
+    const std::int64_t number = plain_number(nid);
+    if (number == kNoNumber) {
+        if (!texts_.emplace(folded(nid), rec).second) doubles_.push_back(rec);
+    } else if (is_in_run(number)) {
+        doubles_.push_back(rec);
+    } else {
+        numbers_.push_back({static_cast<std::uint32_t>(number), rec});
+    }
 }
 
 void NidMap::sort_numbers() {
@@ -76,17 +95,23 @@ void NidMap::list_dense() {
 
 std::int32_t NidMap::find(const char* nid) const {
     if (!nid || !*nid) return -1;
-    const auto number = plain_number(nid);
-    if (!number) {
-        const auto found = texts_.find(folded(nid));
-        return found == texts_.end() ? -1 : found->second;
-    }
-    if (numbers_.empty() || *number < numbers_.front().number || *number > numbers_.back().number) return -1;
-    if (!dense_.empty()) return dense_[*number - numbers_.front().number];
-    const auto begin = numbers_.begin() + begin_[bucket(*number)],
-               end = numbers_.begin() + begin_[bucket(*number) + 1];
-    const auto found = std::lower_bound(begin, end, Entry{*number, 0});
-    return found != end && found->number == *number ? found->rec : -1;
+    const std::int64_t number = plain_number(nid);
+    if (is_in_run(number)) return static_cast<std::int32_t>(number - run_first_);
+    if (number == kNoNumber) return find_text(nid);
+    if (numbers_.empty() || number < numbers_.front().number || number > numbers_.back().number) return -1;
+    const auto wanted = static_cast<std::uint32_t>(number);
+    return dense_.empty() ? find_number(wanted) : dense_[wanted - numbers_.front().number];
+}
+
+std::int32_t NidMap::find_text(const char* nid) const {
+    const auto found = texts_.find(folded(nid));
+    return found == texts_.end() ? -1 : found->second;
+}
+
+std::int32_t NidMap::find_number(std::uint32_t number) const {
+    const auto begin = numbers_.begin() + begin_[bucket(number)], end = numbers_.begin() + begin_[bucket(number) + 1];
+    const auto found = std::lower_bound(begin, end, Entry{number, 0});
+    return found != end && found->number == number ? found->rec : -1;
 }
 
 }  // namespace bom

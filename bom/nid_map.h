@@ -31,10 +31,20 @@ private:
         auto operator<=>(const Entry&) const = default;
     };
 
+    void read_run(KOfflineTable* table, std::int32_t field);
+    void add(const char* nid, std::int32_t rec);
+    bool is_in_run(std::int64_t number) const { return number >= run_first_ && number - run_first_ < run_; }
+
     void sort_numbers();
     std::size_t bucket(std::uint32_t number) const { return (number - numbers_.front().number) >> shift_; }
 
     void list_dense();
+    std::int32_t find_text(const char* nid) const;
+    std::int32_t find_number(std::uint32_t number) const;
+
+    // The first records, as long as each has the number after that of the one before. All others stand below.
+    std::int64_t run_first_ = 0;
+    std::int32_t run_ = 0;
 
     // NIDs that are plain numbers one after another, or nearly: the record of each number from the first on.
     std::vector<std::int32_t> dense_;
