@@ -11,7 +11,6 @@ namespace {
 
 constexpr int kMostDecimals = 38;
 constexpr int kLimbs = 8;
-constexpr unsigned kScaleBits = 4;  // of a packed number
 
 }  // namespace
 
@@ -167,14 +166,8 @@ struct Digits {
     bool negative = false;
 };
 
-constexpr int kPowers = 20;
-constexpr auto kPowerOfTen = [] {
-    std::array<std::uint64_t, kPowers> powers{1};
-    for (std::size_t i = 1; i < powers.size(); ++i) powers[i] = powers[i - 1] * 10;
-    return powers;
-}();
-
-constexpr std::size_t kShortText = 18;  // any number of so many characters fits into 64 bits
+constexpr std::size_t kShortText = 18;     // any number of so many characters fits into 64 bits
+constexpr std::ptrdiff_t kPackedText = 8;  // and of so many, packed, into 32
 
 }  // namespace
 
@@ -204,19 +197,46 @@ std::optional<Decimal> Decimal::parse_short(std::string_view text) {
     return result;
 }
 
-std::optional<std::uint32_t> Decimal::packed() const {
-    if (negative_ || high_ || low_ >> (32 - kScaleBits) || scale_ >> kScaleBits) return std::nullopt;
+std::uint32_t Decimal::packed() const {
+    if (negative_ || high_ || low_ >> (32 - kScaleBits) || scale_ >> kScaleBits) return kNotPacked;
     return static_cast<std::uint32_t>(low_) << kScaleBits | scale_;
 }
 
-Decimal Decimal::unpacked(std::uint32_t bits) {
-    Decimal result(bits >> kScaleBits);
-    result.scale_ = static_cast<std::uint8_t>(bits & ((1U << kScaleBits) - 1));
-    return result;
+std::uint32_t Decimal::parse_packed(const char* text) {
+    std::uint32_t digits = 0, decimals = 0;
+    bool point = false;
+    const char* at = text;
+    for (; at - text < kPackedText; ++at) {
+        const auto digit = static_cast<std::uint32_t>(*at) - '0';
+        if (digit < 10) {
+            digits = digits * 10 + digit, decimals += point;
+        } else {
+            if (*at != '.' || point) break;
+            point = true;
+        }
+    }
+    if (*at || at - text == point) return kNotPacked;
+    for (; decimals > 0 && digits % 10 == 0; --decimals) digits /= 10;
+    return digits << kScaleBits | decimals;
+}
+
+std::string Decimal::short_text() const {
+    std::string text = std::to_string(low_);
+    if (text.size() <= scale_) text.insert(0, scale_ + 1 - text.size(), '0');
+    if (scale_ > 0) text.insert(text.size() - scale_, 1, '.');
+    if (negative_) text.insert(0, 1, '-');
+    return text;
+}
+
+std::size_t Decimal::text_size() const {
+    if (!has_short_text()) return text().size();
+    const auto digits =
+        std::upper_bound(kPowerOfTen.begin() + scale_ + 1, kPowerOfTen.end(), low_) - kPowerOfTen.begin();
+    return static_cast<std::size_t>(digits) + (scale_ > 0) + negative_;
 }
 
 std::string Decimal::text() const {
-    if (!high_ && !scale_ && !negative_) return std::to_string(low_);
+    if (has_short_text()) return short_text();
     char reversed[2 * kMostDecimals + 4];
     std::size_t length = 0;
     Wide wide(*this);
@@ -256,6 +276,7 @@ bool Decimal::multiply_short(const Decimal& other) {
 }
 
 void Decimal::drop_zeros() {
+    if (high_) return;  // such a number is made without zeros
     for (; scale_ > 0 && low_ % 10 == 0; --scale_) low_ /= 10;
 }
 
@@ -267,6 +288,11 @@ Decimal& Decimal::operator+=(const Decimal& other) {
 Decimal& Decimal::operator*=(const Decimal& other) {
     if (!multiply_short(other)) *this = narrow(product(Wide(*this), Wide(other)));
     return *this;
+}
+
+void Decimal::add_product_long(Decimal a, Decimal b) {
+    drop_zeros();
+    *this += a *= b;
 }
 
 bool operator<(const Decimal& a, const Decimal& b) {

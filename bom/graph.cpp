@@ -3,10 +3,14 @@
 
 namespace bom {
 
-void Decimals::push_back(const Decimal& number) {
-    const std::uint32_t bits = number.packed().value_or(kLong);
-    if (bits == kLong) long_.emplace(static_cast<std::int32_t>(packed_.size()), number);
-    packed_.push_back(bits);
+bool Decimals::push_back(const char* text) {
+    packed_.push_back(Decimal::parse_packed(text));
+    if (packed_.back() != Decimal::kNotPacked) return true;
+    const auto number = Decimal::parse(text);
+    const Decimal counted = number.value_or(Decimal(1));
+    packed_.back() = counted.packed();
+    if (packed_.back() == Decimal::kNotPacked) long_.emplace(static_cast<std::int32_t>(packed_.size()) - 1, counted);
+    return number.has_value();
 }
 
 Graph::Graph(KOfflineDb* db) {
@@ -30,9 +34,8 @@ void Graph::read_lines(KOfflineDb* db) {
         child_.push_back(items.find(KOfflineTable_GetFldValue(table, line, child)));
         if (child_.back() != kNone) has_parent_[at(child_.back())] = 1;
         const char* text = KOfflineTable_GetFldValue(table, line, quantity);
-        const auto number = Decimal::parse(text ? text : "");
-        quantity_.push_back(number.value_or(Decimal(1)));
-        if (!number && quantity >= 0) without_quantity_.push_back(line);
+        const bool is_number = quantity_.push_back(text ? text : "");
+        if (!is_number && quantity >= 0) without_quantity_.push_back(line);
     }
 }
 

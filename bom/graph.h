@@ -22,17 +22,18 @@ constexpr std::int32_t kNone = -1;
 class Decimals {
 public:
     void reserve(std::size_t count) { packed_.reserve(count); }
-    void push_back(const Decimal& number);
+
+    /// Appends the number that a text says; 1, and returns false, where it says none.
+    bool push_back(const char* text);
+
     Decimal operator[](std::int32_t i) const {
         const std::uint32_t bits = packed_[static_cast<std::size_t>(i)];
-        return bits == kLong ? long_.at(i) : Decimal::unpacked(bits);
+        return bits == Decimal::kNotPacked ? long_.at(i) : Decimal::unpacked(bits);
     }
 
 private:
-    static constexpr std::uint32_t kLong = 0xFFFFFFFF;
-
     std::vector<std::uint32_t> packed_;
-    std::unordered_map<std::int32_t, Decimal> long_;  // where packed_ says kLong
+    std::unordered_map<std::int32_t, Decimal> long_;  // where packed_ says kNotPacked
 };
 
 /// Items and lines in record order, as arrays. The database may change or go afterwards; the graph stays as it was.

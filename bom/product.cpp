@@ -9,6 +9,7 @@ namespace bom {
 // Items are taken in rounds, each in record order: what lies side by side in memory is read one after another.
 
 Product::Product(const Graph& graph, std::span<const Item> tops) : graph_(graph), nodes_(at(graph.items())) {
+    items_.reserve(nodes_.size());
     for (const Item top : tops) reach(top, 0);
     tops_ = items_.size();
     for (std::size_t begin = 0, end = tops_; begin < end; begin = end, end = items_.size()) {
@@ -78,12 +79,13 @@ std::vector<Decimal> Product::quantities() const {
     std::vector<Decimal> quantities(nodes_.size());
     for (std::size_t top = 0; top < tops_; ++top) quantities[at(items_[top])] = Decimal(1);
     for (const Item item : top_down_) {
+        quantities[at(item)].drop_zeros();
         const Decimal above = quantities[at(item)];
         for (const Line line : graph_.children(item)) {
             const Item child = graph_.child(line);
             if (child == kNone) continue;
             try {
-                quantities[at(child)] += above * graph_.quantity(line);
+                quantities[at(child)].add_product(above, graph_.quantity(line));
             } catch (const Overflow&) {
                 throw ItemOverflow(child);
             }
@@ -100,9 +102,10 @@ Product::Value Product::sum_of_children(Item item, const std::vector<Value>& val
             result.complete = false;
             continue;
         }
-        result.sum += graph_.quantity(line) * values[at(child)].sum;
+        result.sum.add_product(graph_.quantity(line), values[at(child)].sum);
         result.complete = result.complete && values[at(child)].complete;
     }
+    result.sum.drop_zeros();
     return result;
 }
 
