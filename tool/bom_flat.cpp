@@ -30,9 +30,6 @@ class PartsPrinter {
 public:
     PartsPrinter(const Items& items, const bom::Product& product, bool leaves, Output& out)
         : items_(items), product_(product), leaves_(leaves), out_(out), endless_(product.endless()) {
-        for (const bom::Item item : product.items()) {
-            if (is_part(item)) parts_.push_back(item);
-        }
         try {
             quantities_ = product.quantities();
         } catch (const bom::ItemOverflow& error) {
@@ -44,20 +41,22 @@ public:
         const auto items = items_.graph().items();
         for (bom::Item item = 0; item < items; ++item) {  // in record order, which is quicker to read
             if (!is_part(item)) continue;
-            quantity_width_ = std::max(quantity_width_, text_width(quantity(item)));
-            code_width_ = std::max(code_width_, text_width(items_.label(item)));
+            quantity_width_ = std::max(quantity_width_, quantity_size(item));
+            code_width_ = std::max(code_width_, text_width(items_.label(item, code_)));
         }
         print_row("quantity", "level", "uses", "code", "name", Colour::bold);
-        for (const bom::Item item : parts_) {
+        for (const bom::Item item : product_.items()) {
+            if (!is_part(item)) continue;
             print_row(quantity(item), std::to_string(product_.level(item)), std::to_string(product_.uses(item)),
-                      items_.label(item), items_.name(item), Colour::none);
+                      items_.label(item, code_), items_.name(item, name_), Colour::none);
         }
     }
 
     void print_json() {
         std::map<bom::Item, int> doubtful;
         for (const bom::Line line : lines_without_quantity()) ++doubtful[items_.graph().child(line)];
-        for (const bom::Item item : parts_) {
+        for (const bom::Item item : product_.items()) {
+            if (!is_part(item)) continue;
             Json object;
             items_.put_item(object, item);
             object["quantity"] = is_endless(item) ? Json(nullptr) : Json(quantity(item));
@@ -90,6 +89,9 @@ private:
         return product_.uses(item) > 0 && (!leaves_ || items_.graph().children(item).empty());
     }
     bool is_endless(bom::Item item) const { return endless_[static_cast<std::size_t>(item)]; }
+    std::size_t quantity_size(bom::Item item) const {
+        return is_endless(item) ? 1 : quantities_[static_cast<std::size_t>(item)].text_size();
+    }
     std::string quantity(bom::Item item) const {
         return is_endless(item) ? "?" : quantities_[static_cast<std::size_t>(item)].text();
     }
@@ -121,18 +123,18 @@ private:
         append_right(line_, uses, 7);
         append_left(line_.append(2, ' '), code, code_width_);
         line_.append(2, ' ').append(name);
-        colour == Colour::none ? out_.line(line_) : out_.line(out_.coloured(line_, colour));
+        if (colour != Colour::none) line_ = out_.coloured(line_, colour);
+        out_.bytes(line_.append(1, '\n'));
     }
 
     const Items& items_;
     const bom::Product& product_;
     bool leaves_;
     Output& out_;
-    std::vector<bom::Item> parts_;
     std::vector<char> endless_;             // by item
     std::vector<bom::Decimal> quantities_;  // by item
     std::size_t quantity_width_ = 8, code_width_ = 4;
-    std::string line_;
+    std::string line_, code_, name_;  // of one row
 };
 
 int print_flat(Program& program, const FlatOptions& options) {

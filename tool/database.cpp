@@ -176,6 +176,12 @@ std::string Database::shown(std::string_view value) const {
     return is_printable(value) ? std::string(value) : names_.shown(value);
 }
 
+std::string_view Database::shown(std::string_view value, std::string& room) const {
+    if (is_printable(value)) return value;
+    room = names_.shown(value);
+    return room;
+}
+
 std::string Database::typed(const std::string& text) const {
     std::string stored;
     for (std::string_view rest = text; !rest.empty();) {  // piece by piece: values may be longer than names

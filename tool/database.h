@@ -99,6 +99,8 @@ public:
     /// Values as text for people, for programs, and from the command line; see `Names`. The last one fails when the
     /// encoding of the database lacks a character.
     std::string shown(std::string_view value) const;
+    /// The same without a copy where the value can be shown as it is; `room` takes the text otherwise.
+    std::string_view shown(std::string_view value, std::string& room) const;
     std::string typed(const std::string& text) const;
     const Names& names() const { return names_; }
 

@@ -17,8 +17,15 @@ Items::Items(const Database& db)
       graph_(db.get()) {}
 
 std::string Items::label(bom::Item item) const {
-    const std::string text = code(item);
-    return text.empty() ? "NID=" + db_.shown(raw(item, nid_)) : text;
+    std::string room;
+    return std::string(label(item, room));
+}
+
+std::string_view Items::label(bom::Item item, std::string& room) const {
+    const std::string_view text = db_.shown(raw(item, code_), room);
+    if (!text.empty()) return text;
+    room = "NID=" + db_.shown(raw(item, nid_));
+    return room;
 }
 
 std::string Items::child_label(bom::Line line) const {

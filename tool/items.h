@@ -27,6 +27,10 @@ public:
     /// What an item is called where it must be called something: its code, or its NID.
     std::string label(bom::Item item) const;
 
+    /// Name and label without a copy where none is needed; `room` takes the text otherwise.
+    std::string_view name(bom::Item item, std::string& room) const { return db_.shown(raw(item, name_), room); }
+    std::string_view label(bom::Item item, std::string& room) const;
+
     /// What a line leads to: the item's label, or the NID that no item has.
     std::string child_label(bom::Line line) const;
 
