@@ -27,26 +27,6 @@ bool wants_colours() {
     return is_terminal(stdout) && (!no_colour || no_colour->empty()) && (!terminal || *terminal != "dumb");
 }
 
-const char* colour_code(Colour colour) {
-    switch (colour) {
-        case Colour::none:
-            return "0";
-        case Colour::bold:
-            return "1";
-        case Colour::red:
-            return "31";
-        case Colour::green:
-            return "32";
-        case Colour::yellow:
-            return "33";
-        case Colour::blue:
-            return "34";
-        case Colour::cyan:
-            return "36";
-    }
-    return "0";
-}
-
 /// A coloured cell is as wide as its text.
 std::size_t cell_width(std::string_view cell) {
     std::size_t width = 0;
@@ -81,7 +61,7 @@ void Output::json(const Json& object) {
 
 std::string Output::coloured(std::string_view text, Colour colour) const {
     if (!colours_ || colour == Colour::none) return std::string(text);
-    return fmt::format("\033[{}m{}\033[0m", colour_code(colour), text);
+    return fmt::format("\033[{}m{}\033[0m", static_cast<int>(colour), text);
 }
 
 void Output::flush() {

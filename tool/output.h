@@ -12,7 +12,8 @@ namespace tool {
 /// Keys keep the order in which they are given. Whoever makes one includes <nlohmann/json.hpp>.
 using Json = nlohmann::ordered_json;
 
-enum class Colour { none, bold, red, green, yellow, blue, cyan };
+/// As terminals number them.
+enum class Colour { none = 0, bold = 1, red = 31, green = 32, yellow = 33, blue = 34, cyan = 36 };
 
 class Output {
 public:
