@@ -22,6 +22,18 @@ struct AddOptions {
     std::vector<std::string> paths, excluded;
     std::string as, prefix, folder;
     bool update = false, dry_run = false, quiet = false;
+
+    Parameters parameters() {
+        return {package.parameters(Access::write),
+                {"PATH", &paths, "files and folders; - for standard input", {.required = true}},
+                {"--as", &as, "the name of the stored file, or what stands for the folder"},
+                {"-C,--directory", &folder, "the folder that paths begin in; it is no part of names"},
+                {"--prefix", &prefix, "what names begin with, followed by /"},
+                {"--exclude", &excluded, "leave out names that match this pattern; any number of times"},
+                {"--update", &update, "leave files alone whose size and time are those of the stored file"},
+                {"-n,--dry-run", &dry_run, "print the names only; nothing is stored"},
+                quiet_option(quiet)};
+    }
 };
 
 /// A file of the host that is going to be stored.
@@ -228,23 +240,11 @@ int add(Program& program, const AddOptions& options) {
 }  // namespace
 
 void add_add_verb(Program& program) {
-    auto options = std::make_shared<AddOptions>();
-    Verb verb = program.add_verb("add", "stores files and whole folders",
-                                 "vlt add plans.vlt drawings notes.txt\n"
-                                 "vlt add --update --exclude '*.bak' plans.vlt drawings\n"
-                                 "vlt add -C /srv/plans plans.vlt .\n"
-                                 "mysqldump shop | vlt add plans.vlt - --as shop.sql");
-    options->package.declare(verb, Access::write);
-    verb.add_option("PATH", options->paths, "files and folders; - for standard input").required();
-    verb.add_option("--as", options->as, "the name of the stored file, or what stands for the folder");
-    verb.add_option("-C,--directory", options->folder, "the folder that paths begin in; it is no part of names");
-    verb.add_option("--prefix", options->prefix, "what names begin with, followed by /");
-    verb.add_option("--exclude", options->excluded, "leave out names that match this pattern; any number of times")
-        .each();
-    verb.add_flag("--update", options->update, "leave files alone whose size and time are those of the stored file");
-    verb.add_flag("-n,--dry-run", options->dry_run, "print the names only; nothing is stored");
-    declare_quiet(verb, options->quiet);
-    program.on_run(verb, options, add);
+    program.add_verb("add", "stores files and whole folders", add, R"(
+        vlt add plans.vlt drawings notes.txt
+        vlt add --update --exclude '*.bak' plans.vlt drawings
+        vlt add -C /srv/plans plans.vlt .
+        mysqldump shop | vlt add plans.vlt - --as shop.sql)");
 }
 
 }  // namespace tool

@@ -4,7 +4,7 @@
 
 #include "bom/diff.h"
 #include "bom/product.h"
-#include "tool/bom_verbs.h"
+#include "tool/items.h"
 
 namespace tool {
 
@@ -14,6 +14,15 @@ struct DiffOptions {
     DatabaseOptions database;
     std::string before, after, code, by = "CCODE";
     bool json = false;
+
+    Parameters parameters() {
+        return {{"DB1", &before, "the database before the change", {.required = true}},
+                {"DB2", &after, "the database after it", {.required = true}},
+                {"CODE", &code, "compare what lies at and below this item only"},
+                database.options(Access::read),
+                {"--by", &by, "what makes two items the same: CCODE or NID", {.choices = {"CCODE", "NID"}}},
+                json_option(json)};
+    }
 };
 
 using Kind = bom::Change::Kind;
@@ -45,23 +54,11 @@ public:
 
 private:
     static const char* kind_name(Kind kind) {
-        switch (kind) {
-            case Kind::kItemRemoved:
-                return "item-removed";
-            case Kind::kItemAdded:
-                return "item-added";
-            case Kind::kFieldChanged:
-                return "field-changed";
-            case Kind::kLineRemoved:
-                return "line-removed";
-            case Kind::kLineAdded:
-                return "line-added";
-            case Kind::kQuantityChanged:
-                return "quantity-changed";
-            case Kind::kLineFieldChanged:
-                return "line-field-changed";
-        }
-        return "";
+        static constexpr const char* kNames[] = {"item-removed",      "item-added", "field-changed",
+                                                 "line-removed",      "line-added", "quantity-changed",
+                                                 "line-field-changed"};
+        static_assert(static_cast<std::size_t>(Kind::kLineFieldChanged) + 1 == std::size(kNames));
+        return kNames[static_cast<std::size_t>(kind)];
     }
 
     static bool is_line(const bom::Change& change) {
@@ -137,14 +134,9 @@ private:
 
     std::string field(const bom::Change& change) const {
         if (change.kind == Kind::kQuantityChanged) return "FCOUNT";
-        char name[33] = "";
-        if (change.field_before >= 0) {
-            KOfflineTable_GetFldName(table(before_, change), change.field_before, name);
-        } else if (change.field_after >= 0) {
-            KOfflineTable_GetFldName(table(after_, change), change.field_after, name);
-        }
-        const std::string text = name;
-        return text.substr(text.find('.') + 1);
+        if (change.field_before >= 0) return field_key(table(before_, change), change.field_before);
+        if (change.field_after >= 0) return field_key(table(after_, change), change.field_after);
+        return "";
     }
 
     const Items &before_, &after_;
@@ -174,18 +166,10 @@ int print_changes(Program& program, const DiffOptions& options) {
 
 }  // namespace
 
-void add_diff_verb(Program& program, Verb group) {
-    auto options = std::make_shared<DiffOptions>();
-    Verb verb = group.add_verb("diff", "what changed from one database to another",
-                               "vlt bom diff released.vlt draft.vlt\n"
-                               "vlt bom diff old new WH-200 --json");
-    verb.add_option("DB1", options->before, "the database before the change").required();
-    verb.add_option("DB2", options->after, "the database after it").required();
-    verb.add_option("CODE", options->code, "compare what lies at and below this item only");
-    options->database.declare_options(verb, Access::read);
-    verb.add_option("--by", options->by, "what makes two items the same: CCODE or NID").choices({"CCODE", "NID"});
-    verb.add_flag("--json", options->json, "one JSON object a line");
-    program.on_run(verb, options, print_changes);
+void add_bom_diff_verb(Program& program) {
+    program.add_verb("bom diff", "what changed from one database to another", print_changes, R"(
+        vlt bom diff released.vlt draft.vlt
+        vlt bom diff old new WH-200 --json)");
 }
 
 }  // namespace tool

@@ -6,8 +6,8 @@
 #include <optional>
 
 #include "bom/product.h"
-#include "tool/bom_verbs.h"
 #include "tool/failure.h"
+#include "tool/items.h"
 
 namespace tool {
 
@@ -23,6 +23,11 @@ namespace {
 struct FlatOptions {
     ProductOptions product;
     bool leaves = false;
+
+    Parameters parameters() {
+        return {product.parameters(ProductOptions::CodeIs::optional),
+                {"--leaves", &leaves, "only parts that consist of nothing"}};
+    }
 };
 
 /// The parts of a product with their quantities.
@@ -152,6 +157,12 @@ struct SumOptions {
     ProductOptions product;
     std::string field;
     bool override_sums = false;
+
+    Parameters parameters() {
+        return {product.parameters(ProductOptions::CodeIs::optional),
+                {"--field", &field, "the field of BITM that is added up", {.required = true}},
+                {"--override", &override_sums, "a value of an assembly's own counts instead of its sum"}};
+    }
 };
 
 std::int32_t field_of(const Database& db, KOfflineTable* table, const std::string& name) {
@@ -231,25 +242,16 @@ int print_sums(Program& program, const SumOptions& options) {
 
 }  // namespace
 
-void add_flat_verb(Program& program, Verb group) {
-    auto options = std::make_shared<FlatOptions>();
-    Verb verb = group.add_verb("flat", "every part once, with how many there are in all",
-                               "vlt bom flat product.vlt\n"
-                               "vlt bom flat examples/bicycle --leaves --json");
-    options->product.declare(verb, ProductOptions::CodeIs::optional);
-    verb.add_flag("--leaves", options->leaves, "only parts that consist of nothing");
-    program.on_run(verb, options, print_flat);
+void add_bom_flat_verb(Program& program) {
+    program.add_verb("bom flat", "every part once, with how many there are in all", print_flat, R"(
+        vlt bom flat product.vlt
+        vlt bom flat examples/bicycle --leaves --json)");
 }
 
-void add_sum_verb(Program& program, Verb group) {
-    auto options = std::make_shared<SumOptions>();
-    Verb verb = group.add_verb("sum", "a numeric field of items, added up for every assembly",
-                               "vlt bom sum examples/bicycle --field WEIGHT --override\n"
-                               "vlt bom sum product.vlt WH-200 --field PRICE");
-    options->product.declare(verb, ProductOptions::CodeIs::optional);
-    verb.add_option("--field", options->field, "the field of BITM that is added up").required();
-    verb.add_flag("--override", options->override_sums, "a value of an assembly's own counts instead of its sum");
-    program.on_run(verb, options, print_sums);
+void add_bom_sum_verb(Program& program) {
+    program.add_verb("bom sum", "a numeric field of items, added up for every assembly", print_sums, R"(
+        vlt bom sum examples/bicycle --field WEIGHT --override
+        vlt bom sum product.vlt WH-200 --field PRICE)");
 }
 
 }  // namespace tool

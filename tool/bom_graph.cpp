@@ -1,8 +1,8 @@
 // SPDX-License-Identifier: MIT
 // vlt bom graph
 #include "bom/product.h"
-#include "tool/bom_verbs.h"
 #include "tool/failure.h"
+#include "tool/items.h"
 
 namespace tool {
 
@@ -12,6 +12,13 @@ struct GraphOptions {
     DatabaseOptions database;
     std::string code;
     bool dot = false, mermaid = false;
+
+    Parameters parameters() {
+        return {database.parameters(Access::read),
+                {"CODE", &code, "the item to begin with; the root item, or all tops, if not given"},
+                {"--mermaid", &mermaid, "for Mermaid"},
+                {"--dot", &dot, "for Graphviz; so it is if not given"}};
+    }
 };
 
 /// A language that draws graphs: a node an item, an arrow a line.
@@ -112,16 +119,10 @@ int print_graph(Program& program, const GraphOptions& options) {
 
 }  // namespace
 
-void add_graph_verb(Program& program, Verb group) {
-    auto options = std::make_shared<GraphOptions>();
-    Verb verb = group.add_verb("graph", "a product as a graph for Graphviz or Mermaid, each part once",
-                               "vlt bom graph examples/bicycle | dot -Tsvg > bicycle.svg\n"
-                               "vlt bom graph product.vlt WH-200 --mermaid");
-    options->database.declare(verb, Access::read);
-    verb.add_option("CODE", options->code, "the item to begin with; the root item, or all tops, if not given");
-    verb.add_flag("--mermaid", options->mermaid, "for Mermaid");
-    verb.add_flag("--dot", options->dot, "for Graphviz; so it is if not given");
-    program.on_run(verb, options, print_graph);
+void add_bom_graph_verb(Program& program) {
+    program.add_verb("bom graph", "a product as a graph for Graphviz or Mermaid, each part once", print_graph, R"(
+        vlt bom graph examples/bicycle | dot -Tsvg > bicycle.svg
+        vlt bom graph product.vlt WH-200 --mermaid)");
 }
 
 }  // namespace tool

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // vlt bom html
-#include "tool/bom_verbs.h"
 #include "tool/failure.h"
+#include "tool/items.h"
 #include "tool/new_file.h"
 #include "tool/page/page.h"
 #include "tool/page_data.h"
@@ -14,6 +14,15 @@ struct HtmlOptions {
     DatabaseOptions database;
     std::string output, title, largest = "2M";
     bool no_documents = false, force = false;
+
+    Parameters parameters() {
+        return {database.parameters(Access::read),
+                {"-o,--output", &output, "the page to make", {.required = true}},
+                {"--title", &title, "the heading of the page; the path of the database if not given"},
+                {"--no-documents", &no_documents, "no documents inside the page"},
+                {"--max-document", &largest, "the largest document inside the page; 2M if not given"},
+                {"-f,--force", &force, "replace the file that stands there"}};
+    }
 };
 
 /// Text between tags.
@@ -117,18 +126,10 @@ int make_page(Program&, const HtmlOptions& options) {
 
 }  // namespace
 
-void add_html_verb(Program& program, Verb group) {
-    auto options = std::make_shared<HtmlOptions>();
-    Verb verb = group.add_verb("html", "a page to browse a product with, in one file for any browser",
-                               "vlt bom html examples/bicycle -o bicycle.html\n"
-                               "vlt bom html product.vlt -o product.html --title \"City bicycle\" --no-documents");
-    options->database.declare(verb, Access::read);
-    verb.add_option("-o,--output", options->output, "the page to make").required();
-    verb.add_option("--title", options->title, "the heading of the page; the path of the database if not given");
-    verb.add_flag("--no-documents", options->no_documents, "no documents inside the page");
-    verb.add_option("--max-document", options->largest, "the largest document inside the page; 2M if not given");
-    verb.add_flag("-f,--force", options->force, "replace the file that stands there");
-    program.on_run(verb, options, make_page);
+void add_bom_html_verb(Program& program) {
+    program.add_verb("bom html", "a page to browse a product with, in one file for any browser", make_page, R"(
+        vlt bom html examples/bicycle -o bicycle.html
+        vlt bom html product.vlt -o product.html --title "City bicycle" --no-documents)");
 }
 
 }  // namespace tool

@@ -5,8 +5,8 @@
 
 #include "bom/links.h"
 #include "bom/walk.h"
-#include "tool/bom_verbs.h"
 #include "tool/failure.h"
+#include "tool/items.h"
 
 namespace tool {
 
@@ -18,6 +18,12 @@ struct TreeOptions {
     ProductOptions product;
     std::int32_t depth = std::numeric_limits<std::int32_t>::max();
     bool all = false;
+
+    Parameters parameters() {
+        return {product.parameters(ProductOptions::CodeIs::optional),
+                {"--depth", &depth, "levels below the beginning"},
+                {"--all", &all, "print what an assembly consists of wherever it occurs, not only first"}};
+    }
 };
 
 constexpr std::size_t kDrawnLevels = 40;  // deeper ones would be drawn as wide as they are deep
@@ -135,15 +141,10 @@ int print_tree(Program& program, const TreeOptions& options) {
 
 }  // namespace
 
-void add_tree_verb(Program& program, Verb group) {
-    auto options = std::make_shared<TreeOptions>();
-    Verb verb = group.add_verb("tree", "what a product consists of, indented",
-                               "vlt bom tree product.vlt\n"
-                               "vlt bom tree examples/bicycle WH-200 --depth 1");
-    options->product.declare(verb, ProductOptions::CodeIs::optional);
-    verb.add_option("--depth", options->depth, "levels below the beginning").non_negative();
-    verb.add_flag("--all", options->all, "print what an assembly consists of wherever it occurs, not only first");
-    program.on_run(verb, options, print_tree);
+void add_bom_tree_verb(Program& program) {
+    program.add_verb("bom tree", "what a product consists of, indented", print_tree, R"(
+        vlt bom tree product.vlt
+        vlt bom tree examples/bicycle WH-200 --depth 1)");
 }
 
 }  // namespace tool

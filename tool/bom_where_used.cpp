@@ -4,8 +4,8 @@
 #include <nlohmann/json.hpp>
 
 #include "bom/walk.h"
-#include "tool/bom_verbs.h"
 #include "tool/failure.h"
+#include "tool/items.h"
 
 namespace tool {
 
@@ -15,6 +15,14 @@ struct WhereUsedOptions {
     ProductOptions product;
     bool all = false;
     std::int32_t limit = -1;
+
+    Parameters parameters() {
+        return {product.parameters(ProductOptions::CodeIs::required),
+                {"--all", &all,
+                 "every path from an item without a parent down to the item; where assemblies share parts on many "
+                 "levels, there may be more than can be listed"},
+                {"--limit", &limit, "show so many at most, tell if there are more, and end with status 1"}};
+    }
 };
 
 class UsePrinter {
@@ -139,18 +147,10 @@ int print_uses(Program& program, const WhereUsedOptions& options) {
 
 }  // namespace
 
-void add_where_used_verb(Program& program, Verb group) {
-    auto options = std::make_shared<WhereUsedOptions>();
-    Verb verb = group.add_verb("where-used", "what an item goes into",
-                               "vlt bom where-used product.vlt CM-900\n"
-                               "vlt bom where-used examples/bicycle CM-900 --all --limit 1000");
-    options->product.declare(verb, ProductOptions::CodeIs::required);
-    verb.add_flag("--all", options->all,
-                  "every path from an item without a parent down to the item; where assemblies share parts on many "
-                  "levels, there may be more than can be listed");
-    verb.add_option("--limit", options->limit, "show so many at most, tell if there are more, and end with status 1")
-        .non_negative();
-    program.on_run(verb, options, print_uses);
+void add_bom_where_used_verb(Program& program) {
+    program.add_verb("bom where-used", "what an item goes into", print_uses, R"(
+        vlt bom where-used product.vlt CM-900
+        vlt bom where-used examples/bicycle CM-900 --all --limit 1000)");
 }
 
 }  // namespace tool

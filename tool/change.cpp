@@ -13,15 +13,32 @@ struct ChangeOptions {
     PackageOptions package;
     std::vector<std::string> patterns;
     bool dry_run = false;
+
+    Parameters parameters() {
+        return {package.parameters(Access::write),
+                {"NAME", &patterns, "names, or patterns with * ? [a-z]", {.required = true}},
+                {"-n,--dry-run", &dry_run, "print the names only; nothing is changed"}};
+    }
 };
 
 struct RemoveOptions : ChangeOptions {
     bool folders = false;
+
+    Parameters parameters() {
+        return {ChangeOptions::parameters(),
+                {"-r,--recursive", &folders, "a name stands for everything below it, too"}};
+    }
 };
 
 struct TouchOptions : ChangeOptions {
     std::string time;
     bool no_create = false;
+
+    Parameters parameters() {
+        return {ChangeOptions::parameters(),
+                {"-t,--time", &time, "local time, such as 2005-03-21T14:07:09; now if not given"},
+                {"-c,--no-create", &no_create, "make no files"}};
+    }
 };
 
 std::vector<Entry> selected(const Package& package, Selection& selection) {
@@ -93,32 +110,16 @@ int touch(Program& program, const TouchOptions& options) {
     return status;
 }
 
-void declare(Verb verb, ChangeOptions& options) {
-    options.package.declare(verb, Access::write);
-    verb.add_option("NAME", options.patterns, "names, or patterns with * ? [a-z]").required();
-    verb.add_flag("-n,--dry-run", options.dry_run, "print the names only; nothing is changed");
-}
-
 }  // namespace
 
 void add_change_verbs(Program& program) {
-    auto removal = std::make_shared<RemoveOptions>();
-    Verb rm = program.add_verb("rm", "removes stored files",
-                               "vlt rm plans.vlt notes.txt\n"
-                               "vlt rm --dry-run plans.vlt '*.bak'\n"
-                               "vlt rm -r plans.vlt drawings");
-    declare(rm, *removal);
-    rm.add_flag("-r,--recursive", removal->folders, "a name stands for everything below it, too");
-    program.on_run(rm, removal, remove);
-
-    auto touching = std::make_shared<TouchOptions>();
-    Verb verb = program.add_verb("touch", "sets the times of stored files; makes those that are missing",
-                                 "vlt touch plans.vlt notes.txt\n"
-                                 "vlt touch -t 2005-03-21T14:07:09 plans.vlt 'drawings/*'");
-    declare(verb, *touching);
-    verb.add_option("-t,--time", touching->time, "local time, such as 2005-03-21T14:07:09; now if not given");
-    verb.add_flag("-c,--no-create", touching->no_create, "make no files");
-    program.on_run(verb, touching, touch);
+    program.add_verb("rm", "removes stored files", remove, R"(
+        vlt rm plans.vlt notes.txt
+        vlt rm --dry-run plans.vlt '*.bak'
+        vlt rm -r plans.vlt drawings)");
+    program.add_verb("touch", "sets the times of stored files; makes those that are missing", touch, R"(
+        vlt touch plans.vlt notes.txt
+        vlt touch -t 2005-03-21T14:07:09 plans.vlt 'drawings/*')");
 }
 
 }  // namespace tool

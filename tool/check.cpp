@@ -16,8 +16,15 @@ namespace {
 
 struct CheckOptions {
     PackageOptions package;
-    ListingOptions listing;
-    bool quiet = false, strict = false, no_sums = false;
+    bool json = false, quiet = false, strict = false, no_sums = false;
+
+    Parameters parameters() {
+        return {package.inspection(),
+                json_option(json),
+                {"--strict", &strict, "status 1 for notes too, not for damage alone"},
+                {"--no-sums", &no_sums, "look at the structure only, also where `vlt seal` has kept sums"},
+                quiet_option(quiet)};
+    }
 };
 
 /// Prints findings as they come, and counts them.
@@ -115,7 +122,7 @@ void check_contents(Inspected& inspected, Findings& findings, bool quiet) {
 
 int check(Program& program, const CheckOptions& options) {
     Inspected inspected(options.package);
-    Findings findings(inspected, program.out(), options.listing.json);
+    Findings findings(inspected, program.out(), options.json);
     inspect::Check(inspected.package, [&](const inspect::Finding& finding) { findings.add(finding); });
     if (!options.no_sums) check_contents(inspected, findings, options.quiet);
     findings.summary();
@@ -125,16 +132,9 @@ int check(Program& program, const CheckOptions& options) {
 }  // namespace
 
 void add_check_verb(Program& program) {
-    auto options = std::make_shared<CheckOptions>();
-    Verb verb = program.add_verb("check", "looks for damage; changes nothing",
-                                 "vlt check plans.vlt\n"
-                                 "vlt check --json plans.vlt | jq 'select(.severity == \"damage\")'");
-    options->package.declare_inspection(verb);
-    options->listing.declare_json(verb);
-    verb.add_flag("--strict", options->strict, "status 1 for notes too, not for damage alone");
-    verb.add_flag("--no-sums", options->no_sums, "look at the structure only, also where `vlt seal` has kept sums");
-    declare_quiet(verb, options->quiet);
-    program.on_run(verb, options, check);
+    program.add_verb("check", "looks for damage; changes nothing", check, R"(
+        vlt check plans.vlt
+        vlt check --json plans.vlt | jq 'select(.severity == "damage")')");
 }
 
 }  // namespace tool

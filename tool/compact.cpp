@@ -22,6 +22,14 @@ struct CompactOptions {
     PackageOptions package;
     std::string target;
     bool quiet = false;
+
+    Parameters parameters() {
+        return {{"OLD", &package.path, "the package; it is not changed", {.required = true}},
+                {"NEW", &target, "the new package; must not exist", {.required = true}},
+                package.options(Access::read),
+                sync_option(package.sync),
+                quiet_option(quiet)};
+    }
 };
 
 template <typename Number>
@@ -238,15 +246,8 @@ int compact(Program&, const CompactOptions& options) {
 }  // namespace
 
 void add_compact_verb(Program& program) {
-    auto options = std::make_shared<CompactOptions>();
-    Verb verb = program.add_verb("compact", "writes a package anew: each file in one piece, no free blocks",
-                                 "vlt compact plans.vlt plans-small.vlt");
-    verb.add_option("OLD", options->package.path, "the package; it is not changed").required();
-    verb.add_option("NEW", options->target, "the new package; must not exist").required();
-    options->package.declare_options(verb, Access::read);
-    verb.add_flag("--sync", options->package.sync, "wait until everything is on the disk");
-    declare_quiet(verb, options->quiet);
-    program.on_run(verb, options, compact);
+    program.add_verb("compact", "writes a package anew: each file in one piece, no free blocks", compact, R"(
+        vlt compact plans.vlt plans-small.vlt)");
 }
 
 }  // namespace tool

@@ -13,6 +13,16 @@ struct CreateOptions {
     std::string path, size = "0";
     Credentials words;
     bool wide = false, force = false, sync = false;
+
+    Parameters parameters() {
+        return {{"PACKAGE", &path, "the host file; must not exist", {.required = true}},
+                {"--size", &size, "room to begin with, such as 64M; a package grows when it is full"},
+                {"--wide", &wide, "names in UTF-16 instead of bytes"},
+                {"--read-word", &words.read, "word that lets read"},
+                {"--write-word", &words.write, "word that lets write"},
+                {"-f,--force", &force, "replace the file if it exists"},
+                sync_option(sync)};
+    }
 };
 
 int create(Program&, const CreateOptions& options) {
@@ -39,18 +49,9 @@ int create(Program&, const CreateOptions& options) {
 }  // namespace
 
 void add_create_verb(Program& program) {
-    auto options = std::make_shared<CreateOptions>();
-    Verb verb = program.add_verb("create", "makes a new, empty package",
-                                 "vlt create notes.vlt\n"
-                                 "vlt create --size 64M --write-word secret plans.vlt");
-    verb.add_option("PACKAGE", options->path, "the host file; must not exist").required();
-    verb.add_option("--size", options->size, "room to begin with, such as 64M; a package grows when it is full");
-    verb.add_flag("--wide", options->wide, "names in UTF-16 instead of bytes");
-    verb.add_option("--read-word", options->words.read, "word that lets read");
-    verb.add_option("--write-word", options->words.write, "word that lets write");
-    verb.add_flag("-f,--force", options->force, "replace the file if it exists");
-    verb.add_flag("--sync", options->sync, "wait until everything is on the disk");
-    program.on_run(verb, options, create);
+    program.add_verb("create", "makes a new, empty package", create, R"(
+        vlt create notes.vlt
+        vlt create --size 64M --write-word secret plans.vlt)");
 }
 
 }  // namespace tool

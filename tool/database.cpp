@@ -46,16 +46,16 @@ bool is_printable(std::string_view text) {
 
 }  // namespace
 
-void DatabaseOptions::declare(Verb verb, Access access) {
-    verb.add_option("DB", path, "the database: a package, a folder, or kdbmain.txt in one").required();
-    declare_options(verb, access);
+Parameters DatabaseOptions::parameters(Access access) {
+    return {{"DB", &path, "the database: a package, a folder, or kdbmain.txt in one", {.required = true}},
+            options(access)};
 }
 
-void DatabaseOptions::declare_options(Verb verb, Access access) {
-    words.declare(verb, Access::read);
-    verb.add_option("--encoding", encoding, "code page of the values, such as CP932; UTF-8 if not given");
-    verb.add_flag("--no-lock", no_lock, "go ahead although another process uses the package");
-    if (access == Access::write) verb.add_flag("--sync", sync, "wait until everything is on the disk");
+Parameters DatabaseOptions::options(Access access) {
+    return {words.parameters(Access::read),
+            {"--encoding", &encoding, "code page of the values, such as CP932; UTF-8 if not given"},
+            no_lock_option(no_lock),
+            access == Access::write ? sync_option(sync) : Parameters()};
 }
 
 DatabaseOptions DatabaseOptions::with_path(const std::string& other) const {
@@ -123,6 +123,13 @@ std::vector<Document> DatabaseFiles::documents() const {
 }
 
 // ---- The database --------------------------------------------------------------------------------------------
+
+std::string field_key(KOfflineTable* table, std::int32_t field) {
+    char name[33];
+    KOfflineTable_GetFldName(table, field, name);
+    const std::string text = name;
+    return text.substr(text.find('.') + 1);
+}
 
 Database::Database(const DatabaseOptions& options, Access access)
     : options_(options), place_(options), names_(false, options.encoding) {

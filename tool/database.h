@@ -26,10 +26,10 @@ struct DatabaseOptions {
     std::string encoding;
     bool no_lock = false, sync = false;
 
-    /// Declares `DB` and the options.
-    void declare(Verb verb, Access access);
+    /// `DB` and the options.
+    Parameters parameters(Access access);
     /// The options without the argument, for verbs that take databases in several places.
-    void declare_options(Verb verb, Access access);
+    Parameters options(Access access);
     /// The same options for another database.
     DatabaseOptions with_path(const std::string& other) const;
 };
@@ -79,6 +79,9 @@ class DatabaseError : public Failure {
 public:
     using Failure::Failure;
 };
+
+/// What follows the first point of a field's name: "NID" of "BDWG.NID".
+std::string field_key(KOfflineTable* table, std::int32_t field);
 
 /// A loaded database, with a lock on its package as long as it lives.
 class Database {

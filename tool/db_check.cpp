@@ -4,7 +4,6 @@
 #include <optional>
 
 #include "bom/check.h"
-#include "tool/db_verbs.h"
 #include "tool/failure.h"
 #include "tool/items.h"
 
@@ -15,6 +14,8 @@ namespace {
 struct CheckOptions {
     DatabaseOptions database;
     bool json = false;
+
+    Parameters parameters() { return {database.parameters(Access::read), json_option(json)}; }
 };
 
 class FindingPrinter {
@@ -105,14 +106,10 @@ int print_findings(Program& program, const CheckOptions& options) {
 
 }  // namespace
 
-void add_db_check_verb(Program& program, Verb group) {
-    auto options = std::make_shared<CheckOptions>();
-    Verb verb = group.add_verb("check", "what is wrong with a database, with file and line",
-                               "vlt db check product.vlt\n"
-                               "vlt db check examples/bicycle --json | jq .kind");
-    options->database.declare(verb, Access::read);
-    verb.add_flag("--json", options->json, "one JSON object a line");
-    program.on_run(verb, options, print_findings);
+void add_db_check_verb(Program& program) {
+    program.add_verb("db check", "what is wrong with a database, with file and line", print_findings, R"(
+        vlt db check product.vlt
+        vlt db check examples/bicycle --json | jq .kind)");
 }
 
 }  // namespace tool

@@ -5,8 +5,9 @@
 
 #include "exchange/schema.h"
 #include "exchange/text.h"
+#include "tool/database.h"
 #include "tool/database_copy.h"
-#include "tool/db_verbs.h"
+#include "tool/program.h"
 
 namespace tool {
 
@@ -17,6 +18,20 @@ struct EditOptions {
     std::string table = "BITM", root;
     std::vector<std::string> fields, adds, sets, lines, line_deletions, deletions;
     bool dry_run = false, json = false;
+
+    Parameters parameters() {
+        return {database.parameters(Access::write),
+                {"--table", &table, "BITM (items), BDWG (drawings) or BCAPP (plans); BITM if not given"},
+                {"--add-field", &fields, "a new FIELD of the table"},
+                {"--add", &adds, "a new record with this CODE"},
+                {"--set", &sets, "CODE:FIELD=VALUE"},
+                {"--line", &lines, "PARENT:CHILD=QUANTITY: a line from an item to a record, added or changed"},
+                {"--delete-line", &line_deletions, "PARENT:CHILD: every line between the two"},
+                {"--delete", &deletions, "the record of this CODE, with the lines that name it"},
+                {"--root", &root, "CODE of the root item"},
+                {"--dry-run", &dry_run, "tell what would change, and change nothing"},
+                {"--json", &json, "the changes as one JSON object a line"}};
+    }
 };
 
 /// A change that was made, in the words of every verb that tells of differences.
@@ -301,27 +316,12 @@ int edit(Program& program, const EditOptions& options) {
 
 }  // namespace
 
-void add_db_edit_verb(Program& program, Verb group) {
-    auto options = std::make_shared<EditOptions>();
-    Verb verb = group.add_verb("edit", "changes, adds and deletes records and lines, named by their codes",
-                               "vlt db edit product.vlt --set 'WH-230:CMAT=steel' --dry-run\n"
-                               "vlt db edit product.vlt --add BL-1 --set 'BL-1:CNAME=Bell' --line 'BK-700:BL-1=1'\n"
-                               "vlt db edit product.vlt --table BDWG --add D-9 --line 'BK-700:D-9'\n"
-                               "vlt db edit product.vlt --delete ST-450 --root BK-700");
-    options->database.declare(verb, Access::write);
-    verb.add_option("--table", options->table, "BITM (items), BDWG (drawings) or BCAPP (plans); BITM if not given");
-    verb.add_option("--add-field", options->fields, "a new FIELD of the table").each();
-    verb.add_option("--add", options->adds, "a new record with this CODE").each();
-    verb.add_option("--set", options->sets, "CODE:FIELD=VALUE").each();
-    verb.add_option("--line", options->lines,
-                    "PARENT:CHILD=QUANTITY: a line from an item to a record, added or changed")
-        .each();
-    verb.add_option("--delete-line", options->line_deletions, "PARENT:CHILD: every line between the two").each();
-    verb.add_option("--delete", options->deletions, "the record of this CODE, with the lines that name it").each();
-    verb.add_option("--root", options->root, "CODE of the root item");
-    verb.add_flag("--dry-run", options->dry_run, "tell what would change, and change nothing");
-    verb.add_flag("--json", options->json, "the changes as one JSON object a line");
-    program.on_run(verb, options, edit);
+void add_db_edit_verb(Program& program) {
+    program.add_verb("db edit", "changes, adds and deletes records and lines, named by their codes", edit, R"(
+        vlt db edit product.vlt --set 'WH-230:CMAT=steel' --dry-run
+        vlt db edit product.vlt --add BL-1 --set 'BL-1:CNAME=Bell' --line 'BK-700:BL-1=1'
+        vlt db edit product.vlt --table BDWG --add D-9 --line 'BK-700:D-9'
+        vlt db edit product.vlt --delete ST-450 --root BK-700)");
 }
 
 }  // namespace tool

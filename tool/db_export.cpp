@@ -5,9 +5,10 @@
 #include "exchange/error.h"
 #include "exchange/export.h"
 #include "exchange/text.h"
+#include "tool/database.h"
 #include "tool/database_copy.h"
-#include "tool/db_verbs.h"
 #include "tool/new_file.h"
+#include "tool/program.h"
 #include "tool/progress.h"
 #include "tool/scratch.h"
 
@@ -19,6 +20,18 @@ struct ExportOptions {
     DatabaseOptions database;
     std::string csv, sqlite, sql, output = "-";
     bool json = false, jsonl = false, force = false, quiet = false;
+
+    Parameters parameters() {
+        return {database.parameters(Access::read),
+                {"--csv", &csv, "a folder for schema.csv and a file a table, which is made if need be"},
+                {"--json", &json, "one JSON object with all tables"},
+                {"--jsonl", &jsonl, "the schema, then one JSON object a record, on a line each"},
+                {"--sqlite", &sqlite, "a file of SQLite with keys and a view `bom` of the lines"},
+                {"--sql", &sql, "the same as statements; - for standard output"},
+                {"-o,--output", &output, "where JSON goes; standard output if not given"},
+                {"-f,--force", &force, "replace files that exist"},
+                quiet_option(quiet)};
+    }
 };
 
 /// The database to export, with its text in UTF-8: loaded from its place, or from a copy where it has an encoding.
@@ -131,24 +144,12 @@ int export_database(Program& program, const ExportOptions& options) {
 
 }  // namespace
 
-void add_db_export_verb(Program& program, Verb group) {
-    auto options = std::make_shared<ExportOptions>();
-    Verb verb =
-        group.add_verb("export", "the data as CSV, JSON, SQLite or SQL",
-                       "vlt db export product.vlt --csv product-csv\n"
-                       "vlt db export examples/bicycle --jsonl | jq -r 'select(.table == \"BITM\") | .CCODE'\n"
-                       "vlt db export product.vlt --sqlite product.db\n"
-                       "sqlite3 product.db 'SELECT * FROM bom'");
-    options->database.declare(verb, Access::read);
-    verb.add_option("--csv", options->csv, "a folder for schema.csv and a file a table, which is made if need be");
-    verb.add_flag("--json", options->json, "one JSON object with all tables");
-    verb.add_flag("--jsonl", options->jsonl, "the schema, then one JSON object a record, on a line each");
-    verb.add_option("--sqlite", options->sqlite, "a file of SQLite with keys and a view `bom` of the lines");
-    verb.add_option("--sql", options->sql, "the same as statements; - for standard output");
-    verb.add_option("-o,--output", options->output, "where JSON goes; standard output if not given");
-    verb.add_flag("-f,--force", options->force, "replace files that exist");
-    declare_quiet(verb, options->quiet);
-    program.on_run(verb, options, export_database);
+void add_db_export_verb(Program& program) {
+    program.add_verb("db export", "the data as CSV, JSON, SQLite or SQL", export_database, R"(
+        vlt db export product.vlt --csv product-csv
+        vlt db export examples/bicycle --jsonl | jq -r 'select(.table == "BITM") | .CCODE'
+        vlt db export product.vlt --sqlite product.db
+        sqlite3 product.db 'SELECT * FROM bom')");
 }
 
 }  // namespace tool

@@ -5,7 +5,6 @@
 #include <optional>
 
 #include "exchange/error.h"
-#include "tool/db_verbs.h"
 
 namespace tool {
 
@@ -53,28 +52,33 @@ int import_database(Program& program, const ImportOptions& options) {
     return kDone;
 }
 
-void declare_bill_options(Verb verb, ImportOptions& options) {
-    verb.add_flag("--bom", options.bom, "SOURCE is one flat bill of material, as CAD and ERP systems export it");
-    verb.add_flag("--check", options.check, "tell what disagrees in it, and write nothing");
-    verb.add_flag("--accept", options.accept, "import it although lines are in doubt, as the findings say");
-    verb.add_flag("--template", options.make_template, "print an empty bill with headings that are understood");
-    verb.add_option("--notation", options.notation, "level, dotted or parent; told by the columns if not given")
-        .choices({"level", "dotted", "parent"});
-    verb.add_option("--map", options.meanings,
-                    "MEANING=HEADING: the column of level, item, parent, code, name or quantity, or of a field")
-        .each();
-    verb.add_option("--line-field", options.line_headings,
-                    "HEADING of a column that belongs to the line, not the item")
-        .each();
-    verb.add_option("--top", options.top, "CODE of an assembly to be made above everything at the top");
-    verb.add_option("--delimiter", options.delimiter, "comma, semicolon or tab")
-        .choices({"comma", "semicolon", "tab"});
-    verb.add_option("--decimal", options.decimal, "comma or point").choices({"comma", "point"});
-    verb.add_option("--from", options.source_encoding, "code page of the bill, such as CP1252; UTF-8 if not given");
-    verb.add_flag("--json", options.json, "the findings as one JSON object a line");
-}
-
 }  // namespace
+
+Parameters ImportOptions::parameters() {
+    const Rule notations{.choices = {"level", "dotted", "parent"}};
+    return {{"SOURCE", &source, "what `vlt db export` made; - for JSON on standard input"},
+            {"DB", &database, "a folder, or a package if its name ends with .vlt; is made"},
+            {"--package", &package, "make a package, whatever its name"},
+            {"--folder", &folder, "make a folder, whatever its name"},
+            {"--bom", &bom, "SOURCE is one flat bill of material, as CAD and ERP systems export it"},
+            {"--check", &check, "tell what disagrees in it, and write nothing"},
+            {"--accept", &accept, "import it although lines are in doubt, as the findings say"},
+            {"--template", &make_template, "print an empty bill with headings that are understood"},
+            {"--notation", &notation, "level, dotted or parent; told by the columns if not given", notations},
+            {"--map", &meanings,
+             "MEANING=HEADING: the column of level, item, parent, code, name or quantity, or of a field"},
+            {"--line-field", &line_headings, "HEADING of a column that belongs to the line, not the item"},
+            {"--top", &top, "CODE of an assembly to be made above everything at the top"},
+            {"--delimiter", &delimiter, "comma, semicolon or tab", {.choices = {"comma", "semicolon", "tab"}}},
+            {"--decimal", &decimal, "comma or point", {.choices = {"comma", "point"}}},
+            {"--from", &source_encoding, "code page of the bill, such as CP1252; UTF-8 if not given"},
+            {"--json", &json, "the findings as one JSON object a line"},
+            {"-f,--force", &force, "replace the database that stands there; its documents stay"},
+            words.parameters(Access::write),
+            {"--encoding", &encoding, "code page of the values in DB, such as CP932; UTF-8 if not given"},
+            no_lock_option(no_lock),
+            sync_option(sync)};
+}
 
 void make_database(const ImportOptions& options, const std::function<void(const exchange::OpenEmpty&)>& fill) {
     Destination destination;
@@ -97,26 +101,14 @@ void make_database(const ImportOptions& options, const std::function<void(const 
     install_database(copy.save(), destination, lock);
 }
 
-void add_db_import_verb(Program& program, Verb group) {
-    auto options = std::make_shared<ImportOptions>();
-    Verb verb = group.add_verb("import", "a database from CSV, JSON or SQLite, or from a flat bill of material",
-                               "vlt db import product-csv copy.vlt\n"
-                               "vlt db export old.vlt --jsonl | vlt db import - new.vlt\n"
-                               "vlt db import --template > bill.csv\n"
-                               "vlt db import --bom bill.csv --check\n"
-                               "vlt db import --bom bill.csv --map quantity=Menge --top BK-700 product.vlt");
-    verb.add_option("SOURCE", options->source, "what `vlt db export` made; - for JSON on standard input");
-    verb.add_option("DB", options->database, "a folder, or a package if its name ends with .vlt; is made");
-    verb.add_flag("--package", options->package, "make a package, whatever its name");
-    verb.add_flag("--folder", options->folder, "make a folder, whatever its name");
-    declare_bill_options(verb, *options);
-    verb.add_flag("-f,--force", options->force, "replace the database that stands there; its documents stay");
-    options->words.declare(verb, Access::write);
-    verb.add_option("--encoding", options->encoding,
-                    "code page of the values in DB, such as CP932; UTF-8 if not given");
-    verb.add_flag("--no-lock", options->no_lock, "go ahead although another process uses the package");
-    verb.add_flag("--sync", options->sync, "wait until everything is on the disk");
-    program.on_run(verb, options, import_database);
+void add_db_import_verb(Program& program) {
+    program.add_verb("db import", "a database from CSV, JSON or SQLite, or from a flat bill of material",
+                     import_database, R"(
+        vlt db import product-csv copy.vlt
+        vlt db export old.vlt --jsonl | vlt db import - new.vlt
+        vlt db import --template > bill.csv
+        vlt db import --bom bill.csv --check
+        vlt db import --bom bill.csv --map quantity=Menge --top BK-700 product.vlt)");
 }
 
 }  // namespace tool

@@ -16,6 +16,8 @@ struct ImportOptions {
     bool bom = false, check = false, accept = false, json = false, make_template = false;
     std::string notation, delimiter, decimal, top;
     std::vector<std::string> meanings, line_headings;
+
+    Parameters parameters();
 };
 
 /// Makes the database that `fill` fills, and brings it to its place.

@@ -4,7 +4,6 @@
 #include <nlohmann/json.hpp>
 
 #include "bom/file_text.h"
-#include "tool/db_verbs.h"
 #include "tool/items.h"
 
 namespace tool {
@@ -14,6 +13,8 @@ namespace {
 struct InfoOptions {
     DatabaseOptions database;
     bool json = false;
+
+    Parameters parameters() { return {database.parameters(Access::read), {"--json", &json, "one JSON object"}}; }
 };
 
 /// The separator as the schema names it.
@@ -121,14 +122,10 @@ int print_info(Program& program, const InfoOptions& options) {
 
 }  // namespace
 
-void add_db_info_verb(Program& program, Verb group) {
-    auto options = std::make_shared<InfoOptions>();
-    Verb verb = group.add_verb("info", "tables, fields, records, root item and documents",
-                               "vlt db info product.vlt\n"
-                               "vlt db info examples/bicycle --json");
-    options->database.declare(verb, Access::read);
-    verb.add_flag("--json", options->json, "one JSON object");
-    program.on_run(verb, options, print_info);
+void add_db_info_verb(Program& program) {
+    program.add_verb("db info", "tables, fields, records, root item and documents", print_info, R"(
+        vlt db info product.vlt
+        vlt db info examples/bicycle --json)");
 }
 
 }  // namespace tool

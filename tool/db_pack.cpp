@@ -5,7 +5,8 @@
 
 #include "exchange/schema.h"
 #include "include/vlt.h"
-#include "tool/db_verbs.h"
+#include "tool/database.h"
+#include "tool/program.h"
 #include "tool/progress.h"
 #include "tool/safe_names.h"
 #include "tool/scratch.h"
@@ -19,10 +20,35 @@ namespace {
 constexpr const char* kDocuments = "docs";  // the folder of documents beside an unpacked database
 constexpr std::size_t kPiece = 1 << 18;
 
-struct PackOptions {
+struct BothOptions {
     std::string folder, package, encoding;
     Credentials words;
     bool force = false, quiet = false, no_lock = false, sync = false;
+
+    Parameters parameters() {
+        return {{"-f,--force", &force, "replace files that exist"},
+                {"--encoding", &encoding, "code page of the names of documents; UTF-8 if not given"},
+                no_lock_option(no_lock),
+                quiet_option(quiet)};
+    }
+};
+
+struct PackOptions : BothOptions {
+    Parameters parameters() {
+        return {{"FOLDER", &folder, "the database; every file in it and below is packed", {.required = true}},
+                {"PACKAGE", &package, "the package, which is made", {.required = true}},
+                sync_option(sync),
+                BothOptions::parameters()};
+    }
+};
+
+struct UnpackOptions : BothOptions {
+    Parameters parameters() {
+        return {{"PACKAGE", &package, "the package", {.required = true}},
+                {"FOLDER", &folder, "the folder; documents go into `docs` in it", {.required = true}},
+                words.parameters(Access::read),
+                BothOptions::parameters()};
+    }
 };
 
 bool is_database_file(const std::string& name) {
@@ -184,7 +210,7 @@ std::map<std::string, Entry> places(const Package& package, LeftOut& left_out) {
     return result;
 }
 
-int unpack(Program&, const PackOptions& options) {
+int unpack(Program&, const UnpackOptions& options) {
     const fs::path folder = without_slash(path_of(options.folder));
     PackageOptions opened;
     opened.path = options.package;
@@ -220,33 +246,13 @@ int unpack(Program&, const PackOptions& options) {
     return left_out.report();
 }
 
-void declare(Verb verb, PackOptions& options) {
-    verb.add_flag("-f,--force", options.force, "replace files that exist");
-    verb.add_option("--encoding", options.encoding, "code page of the names of documents; UTF-8 if not given");
-    verb.add_flag("--no-lock", options.no_lock, "go ahead although another process uses the package");
-    declare_quiet(verb, options.quiet);
-}
-
 }  // namespace
 
-void add_db_pack_verbs(Program& program, Verb group) {
-    auto packing = std::make_shared<PackOptions>();
-    Verb pack_verb = group.add_verb("pack", "a folder with a database and its documents into a package",
-                                    "vlt db pack examples/bicycle bicycle.vlt");
-    pack_verb.add_option("FOLDER", packing->folder, "the database; every file in it and below is packed").required();
-    pack_verb.add_option("PACKAGE", packing->package, "the package, which is made").required();
-    pack_verb.add_flag("--sync", packing->sync, "wait until everything is on the disk");
-    declare(pack_verb, *packing);
-    program.on_run(pack_verb, packing, pack);
-
-    auto unpacking = std::make_shared<PackOptions>();
-    Verb unpack_verb = group.add_verb("unpack", "a package with a database and its documents into a folder",
-                                      "vlt db unpack bicycle.vlt bicycle");
-    unpack_verb.add_option("PACKAGE", unpacking->package, "the package").required();
-    unpack_verb.add_option("FOLDER", unpacking->folder, "the folder; documents go into `docs` in it").required();
-    unpacking->words.declare(unpack_verb, Access::read);
-    declare(unpack_verb, *unpacking);
-    program.on_run(unpack_verb, unpacking, unpack);
+void add_db_pack_verbs(Program& program) {
+    program.add_verb("db pack", "a folder with a database and its documents into a package", pack, R"(
+        vlt db pack examples/bicycle bicycle.vlt)");
+    program.add_verb("db unpack", "a package with a database and its documents into a folder", unpack, R"(
+        vlt db unpack bicycle.vlt bicycle)");
 }
 
 }  // namespace tool

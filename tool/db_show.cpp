@@ -5,12 +5,15 @@
 #include "bom/check.h"
 #include "bom/links.h"
 #include "bom/text.h"
-#include "tool/db_verbs.h"
 #include "tool/items.h"
 
 namespace tool {
 
 namespace {
+
+struct ShowOptions : ProductOptions {
+    Parameters parameters() { return ProductOptions::parameters(CodeIs::required); }
+};
 
 /// One item and all that belongs to it.
 class ItemView {
@@ -130,7 +133,7 @@ private:
     std::vector<Document> documents_;
 };
 
-int print_item(Program& program, const ProductOptions& options) {
+int print_item(Program& program, const ShowOptions& options) {
     const Database db(options.database, Access::read);
     const Items items(db);
     const ItemView view(items, items.find(options.code));
@@ -140,13 +143,10 @@ int print_item(Program& program, const ProductOptions& options) {
 
 }  // namespace
 
-void add_db_show_verb(Program& program, Verb group) {
-    auto options = std::make_shared<ProductOptions>();
-    Verb verb = group.add_verb("show", "an item with all that belongs to it",
-                               "vlt db show product.vlt WH-200\n"
-                               "vlt db show examples/bicycle bk-700 --json");
-    options->declare(verb, ProductOptions::CodeIs::required);
-    program.on_run(verb, options, print_item);
+void add_db_show_verb(Program& program) {
+    program.add_verb("db show", "an item with all that belongs to it", print_item, R"(
+        vlt db show product.vlt WH-200
+        vlt db show examples/bicycle bk-700 --json)");
 }
 
 }  // namespace tool

@@ -9,7 +9,6 @@
 #include "bom/decimal.h"
 #include "bom/text.h"
 #include "exchange/csv.h"
-#include "tool/db_verbs.h"
 #include "tool/failure.h"
 #include "tool/items.h"
 
@@ -19,12 +18,22 @@ namespace {
 
 struct TableOptions {
     DatabaseOptions database;
-    std::string table;
+    std::string table, fields, sort;
     std::vector<std::string> conditions;
-    std::string fields;
-    std::string sort;
     std::int32_t limit = -1;
     bool csv = false, json = false, reverse = false;
+
+    Parameters parameters() {
+        return {database.parameters(Access::read),
+                {"TABLE", &table, "BITM, BBOM, BDWG, BITDWG, BCAPP or BITCAP", {.required = true}},
+                {"CONDITION", &conditions, "FIELD=VALUE: records with this value, whatever its letter case"},
+                {"--fields", &fields, "the fields to print, with commas between; all if not given"},
+                {"--sort", &sort, "the field to sort by, numbers by size; record order if not given"},
+                reverse_option(reverse),
+                {"--limit", &limit, "records at most"},
+                json_option(json),
+                {"--csv", &csv, "as CSV: RFC 4180, UTF-8"}};
+    }
 };
 
 /// Some records and some fields of a table.
@@ -178,23 +187,11 @@ int print_table(Program& program, const TableOptions& options) {
 
 }  // namespace
 
-void add_db_table_verb(Program& program, Verb group) {
-    auto options = std::make_shared<TableOptions>();
-    Verb verb = group.add_verb("table", "records of a table",
-                               "vlt db table product.vlt BITM CSRC=made --fields CCODE,CNAME\n"
-                               "vlt db table examples/bicycle bbom --sort FCOUNT --reverse --limit 5\n"
-                               "vlt db table product.vlt BITM --csv > items.csv");
-    options->database.declare(verb, Access::read);
-    verb.add_option("TABLE", options->table, "BITM, BBOM, BDWG, BITDWG, BCAPP or BITCAP").required();
-    verb.add_option("CONDITION", options->conditions,
-                    "FIELD=VALUE: records with this value, whatever its letter case");
-    verb.add_option("--fields", options->fields, "the fields to print, with commas between; all if not given");
-    verb.add_option("--sort", options->sort, "the field to sort by, numbers by size; record order if not given");
-    verb.add_flag("-r,--reverse", options->reverse, "the other way round");
-    verb.add_option("--limit", options->limit, "records at most").non_negative();
-    verb.add_flag("--json", options->json, "one JSON object a line");
-    verb.add_flag("--csv", options->csv, "as CSV: RFC 4180, UTF-8");
-    program.on_run(verb, options, print_table);
+void add_db_table_verb(Program& program) {
+    program.add_verb("db table", "records of a table", print_table, R"(
+        vlt db table product.vlt BITM CSRC=made --fields CCODE,CNAME
+        vlt db table examples/bicycle bbom --sort FCOUNT --reverse --limit 5
+        vlt db table product.vlt BITM --csv > items.csv)");
 }
 
 }  // namespace tool

@@ -18,9 +18,17 @@ namespace {
 
 struct DiffOptions {
     PackageOptions package;
-    ListingOptions listing;
     std::string left, right;
-    bool ignore_times = false, quiet = false;
+    bool json = false, ignore_times = false, quiet = false;
+
+    Parameters parameters() {
+        return {{"LEFT", &left, "a package or a folder", {.required = true}},
+                {"RIGHT", &right, "a package or a folder", {.required = true}},
+                package.options(Access::read),
+                {"--ignore-times", &ignore_times, "compare sizes and contents only"},
+                json_option(json),
+                quiet_option(quiet)};
+    }
 };
 
 using ReadPiece = std::function<std::size_t(char*, std::size_t)>;
@@ -96,7 +104,7 @@ public:
 
     void report(const Item& item, const char* change, const std::vector<std::string>& what) {
         found_ = true;
-        if (options_.listing.json) return out_.json({{"name", item.shown}, {"change", change}, {"what", what}});
+        if (options_.json) return out_.json({{"name", item.shown}, {"change", change}, {"what", what}});
         const bool added = std::strcmp(change, "added") == 0, removed = std::strcmp(change, "removed") == 0;
         const Colour colour = added ? Colour::green : removed ? Colour::red : Colour::yellow;
         const std::string sign = added ? "+ " : removed ? "- " : "~ ";
@@ -146,17 +154,9 @@ int diff(Program& program, const DiffOptions& options) {
 }  // namespace
 
 void add_diff_verb(Program& program) {
-    auto options = std::make_shared<DiffOptions>();
-    Verb verb = program.add_verb("diff", "compares packages, or a package and a folder",
-                                 "vlt diff yesterday.vlt today.vlt\n"
-                                 "vlt diff --ignore-times plans.vlt /srv/plans");
-    verb.add_option("LEFT", options->left, "a package or a folder").required();
-    verb.add_option("RIGHT", options->right, "a package or a folder").required();
-    options->package.declare_options(verb, Access::read);
-    verb.add_flag("--ignore-times", options->ignore_times, "compare sizes and contents only");
-    options->listing.declare_json(verb);
-    declare_quiet(verb, options->quiet);
-    program.on_run(verb, options, diff);
+    program.add_verb("diff", "compares packages, or a package and a folder", diff, R"(
+        vlt diff yesterday.vlt today.vlt
+        vlt diff --ignore-times plans.vlt /srv/plans)");
 }
 
 }  // namespace tool

@@ -16,6 +16,16 @@ struct DumpOptions {
     bool header = false, map = false;
     std::string chain, entry;
     std::int32_t block = -1;
+
+    Parameters parameters() {
+        return {
+            package.inspection(),
+            {"--header", &header, "the header's fields and the package's own chains; what is shown without options"},
+            {"--map", &map, "the block map"},
+            {"--chain", &chain, "the blocks of a stored file"},
+            {"--entry", &entry, "the directory entry of a stored file"},
+            {"--block", &block, "the bytes of a block, by its index"}};
+    }
 };
 
 std::string hex(const std::uint8_t* bytes, std::size_t count) {
@@ -165,20 +175,11 @@ int dump(Program& program, const DumpOptions& options) {
 }  // namespace
 
 void add_dump_verb(Program& program) {
-    auto options = std::make_shared<DumpOptions>();
-    Verb verb = program.add_verb("dump", "the bytes of a package, in the words of its format",
-                                 "vlt dump plans.vlt\n"
-                                 "vlt dump --map plans.vlt\n"
-                                 "vlt dump --entry cover.svg --chain cover.svg plans.vlt\n"
-                                 "vlt dump --block 7 plans.vlt");
-    options->package.declare_inspection(verb);
-    verb.add_flag("--header", options->header,
-                  "the header's fields and the package's own chains; what is shown without options");
-    verb.add_flag("--map", options->map, "the block map");
-    verb.add_option("--chain", options->chain, "the blocks of a stored file");
-    verb.add_option("--entry", options->entry, "the directory entry of a stored file");
-    verb.add_option("--block", options->block, "the bytes of a block, by its index").non_negative();
-    program.on_run(verb, options, dump);
+    program.add_verb("dump", "the bytes of a package, in the words of its format", dump, R"(
+        vlt dump plans.vlt
+        vlt dump --map plans.vlt
+        vlt dump --entry cover.svg --chain cover.svg plans.vlt
+        vlt dump --block 7 plans.vlt)");
 }
 
 }  // namespace tool

@@ -23,6 +23,10 @@ constexpr std::size_t kPiece = 1 << 18;
 struct CatOptions {
     PackageOptions package;
     std::vector<std::string> names;
+
+    Parameters parameters() {
+        return {package.parameters(Access::read), {"NAME", &names, "names of stored files", {.required = true}}};
+    }
 };
 
 int cat(Program& program, const CatOptions& options) {
@@ -43,6 +47,16 @@ struct ExtractOptions {
     std::vector<std::string> patterns;
     std::string folder = ".";
     bool force = false, rename = false, native_names = false, quiet = false;
+
+    Parameters parameters() {
+        return {package.parameters(Access::read),
+                pattern_arguments(patterns),
+                {"-C,--directory", &folder, "the folder to write to; made if it is not there"},
+                {"-f,--force", &force, "replace files that are there"},
+                {"--rename", &rename, "give safe names to files whose names are refused"},
+                {"--native-names", &native_names, "take names that this system can have and others cannot"},
+                quiet_option(quiet)};
+    }
 };
 
 class Extracting {
@@ -207,36 +221,15 @@ int extract(Program&, const ExtractOptions& options) {
     return selection.report_unused(options.package.path) || refused ? kFindings : kDone;
 }
 
-void add_cat(Program& program) {
-    auto options = std::make_shared<CatOptions>();
-    Verb verb = program.add_verb("cat", "writes stored files to standard output",
-                                 "vlt cat plans.vlt notes.txt\n"
-                                 "vlt cat plans.vlt drawings/gear.svg > gear.svg");
-    options->package.declare(verb, Access::read);
-    verb.add_option("NAME", options->names, "names of stored files").required();
-    program.on_run(verb, options, cat);
-}
-
-void add_extract(Program& program) {
-    auto options = std::make_shared<ExtractOptions>();
-    Verb verb = program.add_verb("extract", "writes stored files to a folder",
-                                 "vlt extract plans.vlt -C /tmp/plans\n"
-                                 "vlt extract plans.vlt 'drawings/*.svg' notes.txt");
-    options->package.declare(verb, Access::read);
-    verb.add_option("PATTERN", options->patterns, "names, folders, or patterns with * ? [a-z]; all if not given");
-    verb.add_option("-C,--directory", options->folder, "the folder to write to; made if it is not there");
-    verb.add_flag("-f,--force", options->force, "replace files that are there");
-    verb.add_flag("--rename", options->rename, "give safe names to files whose names are refused");
-    verb.add_flag("--native-names", options->native_names, "take names that this system can have and others cannot");
-    declare_quiet(verb, options->quiet);
-    program.on_run(verb, options, extract);
-}
-
 }  // namespace
 
 void add_extract_verbs(Program& program) {
-    add_cat(program);
-    add_extract(program);
+    program.add_verb("cat", "writes stored files to standard output", cat, R"(
+        vlt cat plans.vlt notes.txt
+        vlt cat plans.vlt drawings/gear.svg > gear.svg)");
+    program.add_verb("extract", "writes stored files to a folder", extract, R"(
+        vlt extract plans.vlt -C /tmp/plans
+        vlt extract plans.vlt 'drawings/*.svg' notes.txt)");
 }
 
 }  // namespace tool

@@ -10,6 +10,8 @@ namespace {
 
 struct HelpOptions {
     std::vector<std::string> verb;
+
+    Parameters parameters() { return {{"VERB", &verb, "the verb"}}; }
 };
 
 int help(Program& program, const HelpOptions& options) {
@@ -27,11 +29,10 @@ int help(Program& program, const HelpOptions& options) {
 
 }  // namespace
 
-void add_help_verbs(Program& program) {
-    auto options = std::make_shared<HelpOptions>();
-    Verb verb = program.add_verb("help", "tells how a verb is used", "vlt help add\nvlt help");
-    verb.add_option("VERB", options->verb, "the verb");
-    program.on_run(verb, options, help);
+void add_help_verb(Program& program) {
+    program.add_verb("help", "tells how a verb is used", help, R"(
+        vlt help add
+        vlt help)");
 }
 
 }  // namespace tool

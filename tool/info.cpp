@@ -14,7 +14,9 @@ namespace {
 
 struct InfoOptions {
     PackageOptions package;
-    ListingOptions listing;
+    bool json = false;
+
+    Parameters parameters() { return {package.inspection(), json_option(json)}; }
 };
 
 struct Figures {
@@ -108,7 +110,7 @@ int info(Program& program, const InfoOptions& options) {
     const Inspected inspected(options.package);
     inspected.require_package();
     const Figures figures = count(inspected.package);
-    if (options.listing.json)
+    if (options.json)
         program.out().json(object_of(inspected, figures));
     else
         print(inspected, figures, program.out());
@@ -118,13 +120,9 @@ int info(Program& program, const InfoOptions& options) {
 }  // namespace
 
 void add_info_verb(Program& program) {
-    auto options = std::make_shared<InfoOptions>();
-    Verb verb = program.add_verb("info", "what a package is made of: blocks, files, fragments",
-                                 "vlt info plans.vlt\n"
-                                 "vlt info --json plans.vlt | jq .free");
-    options->package.declare_inspection(verb);
-    options->listing.declare_json(verb);
-    program.on_run(verb, options, info);
+    program.add_verb("info", "what a package is made of: blocks, files, fragments", info, R"(
+        vlt info plans.vlt
+        vlt info --json plans.vlt | jq .free)");
 }
 
 }  // namespace tool

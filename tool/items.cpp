@@ -116,14 +116,11 @@ void append_left(std::string& line, std::string_view text, std::size_t width) {
     if (used < width) line.append(width - used, ' ');
 }
 
-void ProductOptions::declare(Verb verb, CodeIs code_is) {
-    database.declare(verb, Access::read);
-    if (code_is == CodeIs::required) {
-        verb.add_option("CODE", code, "the code of an item, or NID=NUMBER").required();
-    } else {
-        verb.add_option("CODE", code, "the item to begin with; if not given, the root item, or all without a parent");
-    }
-    verb.add_flag("--json", json, "one JSON object a line");
+Parameters ProductOptions::parameters(CodeIs code_is) {
+    const Parameters required{"CODE", &code, "the code of an item, or NID=NUMBER", {.required = true}};
+    const Parameters optional{"CODE", &code,
+                              "the item to begin with; if not given, the root item, or all without a parent"};
+    return {database.parameters(Access::read), code_is == CodeIs::required ? required : optional, json_option(json)};
 }
 
 }  // namespace tool

@@ -82,7 +82,7 @@ struct ProductOptions {
     bool json = false;
 
     enum class CodeIs { required, optional };
-    void declare(Verb verb, CodeIs code_is);
+    Parameters parameters(CodeIs code_is);
 };
 
 }  // namespace tool

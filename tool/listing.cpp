@@ -15,10 +15,21 @@ namespace {
 
 struct ListOptions {
     PackageOptions package;
-    ListingOptions listing;
     std::vector<std::string> patterns;
     std::string sort;
-    bool details = false, tree = false, reverse = false;
+    bool json = false, zero = false, details = false, tree = false, reverse = false;
+
+    Parameters parameters() {
+        const Rule keys{.choices = {"name", "size", "written", "created"}};
+        return {package.parameters(Access::read),
+                pattern_arguments(patterns),
+                {"-l,--long", &details, "sizes, blocks, times and kinds"},
+                {"--sort", &sort, "name, size, written or created; order of the directory if not given", keys},
+                reverse_option(reverse),
+                {"--tree", &tree, "names with / as folders"},
+                json_option(json),
+                {"-0,--null", &zero, "names alone, a zero byte behind each"}};
+    }
 };
 
 Json json_stamp(double stamp) {
@@ -92,9 +103,9 @@ void sort_entries(std::vector<Entry>& entries, const std::string& key, bool reve
 
 void print_names(const std::vector<Entry>& entries, const ListOptions& options, const Names& names, Output& out) {
     for (const Entry& entry : entries) {
-        if (options.listing.json)
+        if (options.json)
             out.json(json_entry(entry, names));
-        else if (options.listing.zero)
+        else if (options.zero)
             out.bytes(names.plain(entry.name) + '\0');
         else
             out.line(names.shown(entry.name));
@@ -112,7 +123,7 @@ int list(Program& program, const ListOptions& options) {
     Output& out = program.out();
     if (options.tree)
         print_tree(std::move(entries), package.names(), out);
-    else if (options.details && !options.listing.json)
+    else if (options.details && !options.json)
         print_details(entries, package.names(), out);
     else
         print_names(entries, options, package.names(), out);
@@ -121,22 +132,11 @@ int list(Program& program, const ListOptions& options) {
 
 }  // namespace
 
-void add_listing_verbs(Program& program) {
-    auto options = std::make_shared<ListOptions>();
-    Verb verb = program.add_verb("ls", "names of the stored files",
-                                 "vlt ls plans.vlt\n"
-                                 "vlt ls -l --sort size plans.vlt 'drawings/*.svg'\n"
-                                 "vlt ls --json plans.vlt | jq .size");
-    options->package.declare(verb, Access::read);
-    verb.add_option("PATTERN", options->patterns, "names, folders, or patterns with * ? [a-z]; all if not given");
-    verb.add_flag("-l,--long", options->details, "sizes, blocks, times and kinds");
-    verb.add_option("--sort", options->sort, "name, size, written or created; order of the directory if not given")
-        .choices({"name", "size", "written", "created"});
-    verb.add_flag("-r,--reverse", options->reverse, "the other way round");
-    verb.add_flag("--tree", options->tree, "names with / as folders");
-    options->listing.declare_json(verb);
-    options->listing.declare_zero(verb);
-    program.on_run(verb, options, list);
+void add_ls_verb(Program& program) {
+    program.add_verb("ls", "names of the stored files", list, R"(
+        vlt ls plans.vlt
+        vlt ls -l --sort size plans.vlt 'drawings/*.svg'
+        vlt ls --json plans.vlt | jq .size)");
 }
 
 }  // namespace tool

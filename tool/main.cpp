@@ -2,13 +2,14 @@
 #include "tool/program.h"
 #include "tool/system.h"
 
-int main(int argc, char** argv) {
-    using namespace tool;
-    std::vector<std::string> arguments = program_arguments(argc, argv);
-    catch_interrupts();
-    Program program;
+namespace tool {
+
+namespace {
+
+/// In the order of the help.
+void add_verbs(Program& program) {
     add_create_verb(program);
-    add_listing_verbs(program);
+    add_ls_verb(program);
     add_add_verb(program);
     add_extract_verbs(program);
     add_change_verbs(program);
@@ -20,8 +21,38 @@ int main(int argc, char** argv) {
     add_sum_verbs(program);
     add_salvage_verb(program);
     add_mount_verb(program);
-    add_db_verbs(program);
-    add_bom_verbs(program);
-    add_help_verbs(program);
+
+    program.add_group("db", "databases: look into them, check them, bring them in and out, change them");
+    add_db_info_verb(program);
+    add_db_table_verb(program);
+    add_db_show_verb(program);
+    add_db_check_verb(program);
+    add_db_export_verb(program);
+    add_db_import_verb(program);
+    add_db_pack_verbs(program);
+    add_db_edit_verb(program);
+
+    program.add_group("bom", "bills of material: structure, where-used, comparison");
+    add_bom_tree_verb(program);
+    add_bom_flat_verb(program);
+    add_bom_where_used_verb(program);
+    add_bom_sum_verb(program);
+    add_bom_diff_verb(program);
+    add_bom_graph_verb(program);
+    add_bom_html_verb(program);
+
+    add_help_verb(program);
+}
+
+}  // namespace
+
+}  // namespace tool
+
+int main(int argc, char** argv) {
+    using namespace tool;
+    std::vector<std::string> arguments = program_arguments(argc, argv);
+    catch_interrupts();
+    Program program;
+    add_verbs(program);
     return program.run(std::move(arguments));
 }

@@ -18,6 +18,14 @@ struct MountOptions {
     std::string folder, access = "ro";
 
     Access access_mode() const { return access == "rw" ? Access::write : Access::read; }
+
+    Parameters parameters() {
+        const Rule modes{.choices = {"ro", "rw"}};
+        return {package.parameters(Access::read),
+                {"FOLDER", &folder, "an empty folder", {.required = true}},
+                {"-o", &access, "ro: nothing can be changed, as if not given; rw: files can be written", modes},
+                {"--sync", &package.sync, "when it ends, wait until everything is on the disk"}};
+    }
 };
 
 /// Runs an operation; what the library fails at is told on stderr, and to the caller as `error`.
@@ -184,18 +192,11 @@ int mount(Program&, const MountOptions& options) {
 }  // namespace
 
 void add_mount_verb(Program& program) {
-    auto options = std::make_shared<MountOptions>();
-    Verb verb =
-        program.add_verb("mount", "shows the stored files in a folder, until `fusermount3 -u FOLDER` or Ctrl-C",
-                         "mkdir plans && vlt mount plans.vlt plans &\n"
-                         "grep -r gear plans; fusermount3 -u plans\n"
-                         "vlt mount -o rw plans.vlt plans");
-    options->package.declare(verb, Access::read);
-    verb.add_option("FOLDER", options->folder, "an empty folder").required();
-    verb.add_option("-o", options->access, "ro: nothing can be changed, as if not given; rw: files can be written")
-        .choices({"ro", "rw"});
-    verb.add_flag("--sync", options->package.sync, "when it ends, wait until everything is on the disk");
-    program.on_run(verb, options, mount);
+    program.add_verb("mount", "shows the stored files in a folder, until `fusermount3 -u FOLDER` or Ctrl-C", mount,
+                     R"(
+        mkdir plans && vlt mount plans.vlt plans &
+        grep -r gear plans; fusermount3 -u plans
+        vlt mount -o rw plans.vlt plans)");
 }
 
 }  // namespace tool

@@ -6,46 +6,53 @@
 
 namespace tool {
 
-void Credentials::declare(Verb verb, Access access) {
-    if (access == Access::read)
-        verb.add_option("--read-word", read, "word that lets read (or $VLT_READ_WORD)")
-            .from_environment("VLT_READ_WORD");
-    verb.add_option("--write-word", write, "word that lets write (or $VLT_WRITE_WORD)")
-        .from_environment("VLT_WRITE_WORD");
+Parameters Credentials::parameters(Access access) {
+    const Parameters to_read{
+        "--read-word", &read, "word that lets read (or $VLT_READ_WORD)", {.environment = "VLT_READ_WORD"}};
+    return {access == Access::read ? to_read : Parameters(),
+            {"--write-word", &write, "word that lets write (or $VLT_WRITE_WORD)", {.environment = "VLT_WRITE_WORD"}}};
 }
 
-void PackageOptions::declare(Verb verb, Access access) {
-    verb.add_option("PACKAGE", path, "the package").required();
-    declare_options(verb, access);
+Parameters PackageOptions::parameters(Access access) {
+    return {{"PACKAGE", &path, "the package", {.required = true}}, options(access)};
 }
 
-void PackageOptions::declare_inspection(Verb verb) {
-    verb.add_option("PACKAGE", path, "the package").required();
-    declare_place(verb);
+Parameters PackageOptions::inspection() {
+    return {{"PACKAGE", &path, "the package", {.required = true}}, place()};
 }
 
-void PackageOptions::declare_options(Verb verb, Access access) {
-    words.declare(verb, access);
-    declare_place(verb);
-    if (access == Access::write) verb.add_flag("--sync", sync, "wait until everything is on the disk");
+Parameters PackageOptions::options(Access access) {
+    return {words.parameters(access), place(), access == Access::write ? sync_option(sync) : Parameters()};
 }
 
-void PackageOptions::declare_place(Verb verb) {
-    verb.add_option("--encoding", encoding, "code page of narrow names, such as CP932; UTF-8 if not given");
-    verb.add_option("--offset", offset, "where the package begins in its file, in bytes").non_negative();
-    verb.add_flag("--no-lock", no_lock, "go ahead although another process uses the package");
+Parameters PackageOptions::place() {
+    return {{"--encoding", &encoding, "code page of narrow names, such as CP932; UTF-8 if not given"},
+            {"--offset", &offset, "where the package begins in its file, in bytes"},
+            no_lock_option(no_lock)};
 }
 
-void ListingOptions::declare_json(Verb verb) {
-    verb.add_flag("--json", json, "one JSON object a line");
+Parameters pattern_arguments(std::vector<std::string>& patterns) {
+    return {"PATTERN", &patterns, "names, folders, or patterns with * ? [a-z]; all if not given"};
 }
 
-void ListingOptions::declare_zero(Verb verb) {
-    verb.add_flag("-0,--null", zero, "names alone, a zero byte behind each");
+Parameters json_option(bool& json) {
+    return {"--json", &json, "one JSON object a line"};
 }
 
-void declare_quiet(Verb verb, bool& quiet) {
-    verb.add_flag("-q,--quiet", quiet, "show no progress");
+Parameters no_lock_option(bool& no_lock) {
+    return {"--no-lock", &no_lock, "go ahead although another process uses the package"};
+}
+
+Parameters quiet_option(bool& quiet) {
+    return {"-q,--quiet", &quiet, "show no progress"};
+}
+
+Parameters reverse_option(bool& reverse) {
+    return {"-r,--reverse", &reverse, "the other way round"};
+}
+
+Parameters sync_option(bool& sync) {
+    return {"--sync", &sync, "wait until everything is on the disk"};
 }
 
 void check_word(const std::string& word) {

@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-#include "tool/verb.h"
+#include "tool/parameters.h"
 
 namespace tool {
 
@@ -15,8 +15,8 @@ enum class Access { read, write };
 struct Credentials {
     std::string read, write;
 
-    /// Declares the options. Words that are not given come from VLT_READ_WORD and VLT_WRITE_WORD.
-    void declare(Verb verb, Access access);
+    /// Words that are not given come from VLT_READ_WORD and VLT_WRITE_WORD.
+    Parameters parameters(Access access);
 };
 
 /// A package on the command line.
@@ -27,26 +27,25 @@ struct PackageOptions {
     std::int64_t offset = 0;
     bool no_lock = false, sync = false;
 
-    /// Declares `PACKAGE` and the options.
-    void declare(Verb verb, Access access);
+    /// `PACKAGE` and the options.
+    Parameters parameters(Access access);
     /// The same without words, for verbs that look at the bytes and ask for none.
-    void declare_inspection(Verb verb);
+    Parameters inspection();
     /// The options without the argument, for verbs that take packages in several places.
-    void declare_options(Verb verb, Access access);
+    Parameters options(Access access);
     /// `--encoding`, `--offset` and `--no-lock` alone.
-    void declare_place(Verb verb);
+    Parameters place();
 };
 
-/// How a listing is written.
-struct ListingOptions {
-    bool json = false;
-    bool zero = false;  ///< names alone, each with a zero byte behind it
+/// `PATTERN`, any number of times.
+Parameters pattern_arguments(std::vector<std::string>& patterns);
 
-    void declare_json(Verb verb);
-    void declare_zero(Verb verb);
-};
-
-void declare_quiet(Verb verb, bool& quiet);
+// Options that say the same wherever they are.
+Parameters json_option(bool& json);
+Parameters no_lock_option(bool& no_lock);
+Parameters quiet_option(bool& quiet);
+Parameters reverse_option(bool& reverse);
+Parameters sync_option(bool& sync);
 
 /// What a word may be: up to 16 bytes. Fails with `Failure`.
 void check_word(const std::string& word);

@@ -5,7 +5,7 @@
 #include <map>
 
 #include "bom/links.h"
-#include "tool/db_verbs.h"
+#include "tool/database.h"
 #include "tool/names.h"
 
 namespace tool {

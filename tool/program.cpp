@@ -22,6 +22,14 @@ Failure usage_failure(const CLI::App& app, const CLI::ParseError& error) {
     return Failure(verb.empty() ? "usage" : verb.substr(1), text + "; `vlt help" + verb + "` tells how it is used");
 }
 
+/// A text with each of its lines on a new one, indented by two.
+std::string in_lines(const std::string& text) {
+    std::istringstream from(text);
+    std::string all, line;
+    while (from >> std::ws && std::getline(from, line)) all += "\n  " + line;
+    return all;
+}
+
 }  // namespace
 
 Program::Program()
@@ -38,14 +46,18 @@ Program::Program()
 
 Program::~Program() = default;
 
-Verb Program::add_verb(const std::string& name, const std::string& summary, const std::string& examples) {
-    return Verb(*app_).add_verb(name, summary, examples);
+void Program::add_group(const std::string& name, const std::string& summary) {
+    app_->add_subcommand(name, summary)->require_subcommand(1);
 }
 
-Verb Program::add_group(const std::string& name, const std::string& summary) {
-    CLI::App* group = app_->add_subcommand(name, summary);
-    group->require_subcommand(1);
-    return *group;
+void Program::declare(const std::string& name, const std::string& summary, const std::string& examples,
+                      const Parameters& parameters, std::function<int()> body) {
+    const std::size_t blank = name.find(' ');
+    CLI::App* group = blank == std::string::npos ? app_.get() : app_->get_subcommand(name.substr(0, blank));
+    CLI::App* verb = group->add_subcommand(name.substr(blank + 1), summary);  // npos + 1 is 0
+    verb->footer("Examples:" + in_lines(examples));
+    parameters.declare(*verb);
+    verb->final_callback([this, body = std::move(body)] { chosen_ = body; });
 }
 
 bool Program::parse(std::vector<std::string> arguments) {
@@ -64,7 +76,7 @@ bool Program::parse(std::vector<std::string> arguments) {
 
 int Program::run(std::vector<std::string> arguments) {
     try {
-        const int status = parse(std::move(arguments)) ? Verb::run_chosen() : kDone;
+        const int status = parse(std::move(arguments)) ? chosen_() : kDone;
         out_.flush();
         return status;
     } catch (const Interrupted&) {

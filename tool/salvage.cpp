@@ -16,9 +16,16 @@ namespace {
 
 struct SalvageOptions {
     PackageOptions package;
-    ListingOptions listing;
     std::string target;
-    bool quiet = false;
+    bool json = false, quiet = false;
+
+    Parameters parameters() {
+        return {{"OLD", &package.path, "the damaged package; it is not changed", {.required = true}},
+                {"NEW", &target, "the package to make; must not exist", {.required = true}},
+                package.place(),
+                json_option(json),
+                quiet_option(quiet)};
+    }
 };
 
 /// What becomes of a file.
@@ -202,7 +209,7 @@ private:
     }
 
     void print(const Rescue& rescue) {
-        if (options_.listing.json) {
+        if (options_.json) {
             Json object;
             old_.add_name(object, "name", rescue.name);
             object.update(
@@ -249,16 +256,9 @@ int salvage(Program& program, const SalvageOptions& options) {
 }  // namespace
 
 void add_salvage_verb(Program& program) {
-    auto options = std::make_shared<SalvageOptions>();
-    Verb verb = program.add_verb("salvage", "brings what can be read of a damaged package into a new one",
-                                 "vlt salvage broken.vlt rescued.vlt\n"
-                                 "vlt salvage --json broken.vlt rescued.vlt | jq 'select(.result != \"whole\")'");
-    verb.add_option("OLD", options->package.path, "the damaged package; it is not changed").required();
-    verb.add_option("NEW", options->target, "the package to make; must not exist").required();
-    options->package.declare_place(verb);
-    options->listing.declare_json(verb);
-    declare_quiet(verb, options->quiet);
-    program.on_run(verb, options, salvage);
+    program.add_verb("salvage", "brings what can be read of a damaged package into a new one", salvage, R"(
+        vlt salvage broken.vlt rescued.vlt
+        vlt salvage --json broken.vlt rescued.vlt | jq 'select(.result != "whole")')");
 }
 
 }  // namespace tool

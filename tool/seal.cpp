@@ -21,14 +21,23 @@ namespace {
 
 struct SumOptions {
     PackageOptions package;
-    ListingOptions listing;
     std::vector<std::string> patterns;
-    bool quiet = false;
+    bool json = false, quiet = false;
+
+    Parameters parameters() {
+        return {package.inspection(), pattern_arguments(patterns), json_option(json), quiet_option(quiet)};
+    }
 };
 
 struct SealOptions {
     PackageOptions package;
     bool quiet = false, force = false;
+
+    Parameters parameters() {
+        return {package.parameters(Access::write),
+                {"-f,--force", &force, "seal files too whose bytes have changed without being written"},
+                quiet_option(quiet)};
+    }
 };
 
 std::uint64_t bytes_of(const inspect::Package& package) {
@@ -54,7 +63,7 @@ int sum(Program& program, const SumOptions& options) {
             warn(inspected.path() + ": " + inspected.shown(entry.name) +
                  ": cannot be read to its end; see `vlt check`");
             whole = false;
-        } else if (options.listing.json) {
+        } else if (options.json) {
             Json object{{"hash", sum.hash}, {"size", sum.size}};
             inspected.add_name(object, "name", name);
             program.out().json(object);
@@ -160,23 +169,11 @@ void keep_sums(Package& package, const Changes& changes) {
 }
 
 void add_sum_verbs(Program& program) {
-    auto sums = std::make_shared<SumOptions>();
-    Verb sum_verb = program.add_verb("sum", "sums of the stored files, as `xxh128sum -c` reads them",
-                                     "vlt sum plans.vlt > plans.sums\n"
-                                     "vlt extract plans.vlt -C plans && cd plans && xxh128sum -c ../plans.sums");
-    sums->package.declare_inspection(sum_verb);
-    sum_verb.add_option("PATTERN", sums->patterns, "names, folders, or patterns with * ? [a-z]; all if not given");
-    sums->listing.declare_json(sum_verb);
-    declare_quiet(sum_verb, sums->quiet);
-    program.on_run(sum_verb, sums, sum);
-
-    auto options = std::make_shared<SealOptions>();
-    Verb seal_verb = program.add_verb("seal", "keeps sums in the package, so that `vlt check` finds changed bytes",
-                                      "vlt seal plans.vlt && vlt check plans.vlt");
-    options->package.declare(seal_verb, Access::write);
-    seal_verb.add_flag("-f,--force", options->force, "seal files too whose bytes have changed without being written");
-    declare_quiet(seal_verb, options->quiet);
-    program.on_run(seal_verb, options, seal);
+    program.add_verb("sum", "sums of the stored files, as `xxh128sum -c` reads them", sum, R"(
+        vlt sum plans.vlt > plans.sums
+        vlt extract plans.vlt -C plans && cd plans && xxh128sum -c ../plans.sums)");
+    program.add_verb("seal", "keeps sums in the package, so that `vlt check` finds changed bytes", seal, R"(
+        vlt seal plans.vlt && vlt check plans.vlt)");
 }
 
 }  // namespace tool
