@@ -26,6 +26,18 @@ void WriteHostFile(const std::string& path, const Bytes& bytes) {
     std::fclose(file);
 }
 
+// Piece by piece: fresh memory for the whole of it, call by call, would take most of the time.
+std::int64_t FirstDifference(const std::string& path, const Bytes& wanted) {
+    static std::uint8_t piece[1 << 12];
+    std::FILE* file = std::fopen(path.c_str(), "rb");
+    std::size_t at = 0, count = 0;
+    while ((count = std::fread(piece, 1, sizeof piece, file)) > 0 && count <= wanted.size() - at &&
+           std::memcmp(piece, wanted.data() + at, count) == 0)
+        at += count;
+    std::fclose(file);
+    return count == 0 && at == wanted.size() ? -1 : static_cast<std::int64_t>(at);
+}
+
 double LoadStamp(const Bytes& bytes, std::size_t offset) {
     double stamp;
     std::memcpy(&stamp, bytes.data() + offset, sizeof stamp);

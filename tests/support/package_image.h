@@ -17,6 +17,8 @@ using inspect::FoldedName;
 /// The whole host file; empty when there is none.
 Bytes ReadHostFile(const std::string& path);
 void WriteHostFile(const std::string& path, const Bytes& bytes);
+/// Where a host file is not as wanted, to a piece; -1 when it is.
+std::int64_t FirstDifference(const std::string& path, const Bytes& wanted);
 
 template <typename T>
 T LoadAt(const Bytes& bytes, std::size_t offset) {

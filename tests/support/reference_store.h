@@ -98,3 +98,29 @@ private:
     Bytes header_, directory_;
     std::vector<Slot> slots_;
 };
+
+/// The library, with the interface of the reference.
+struct LibraryStore {
+    std::string path;
+
+    std::int32_t Open(const PackageOpening& how, std::int32_t* error) const {
+        return vlt_package_open_ex(path.c_str(), how.read_only_file, static_cast<std::uint32_t>(how.offset),
+                                   static_cast<std::int32_t>(how.offset >> 32), how.read_only, how.exclusive,
+                                   how.read_credential.c_str(), how.write_credential.c_str(), nullptr, error);
+    }
+    static constexpr auto Close = vlt_package_close;
+    static constexpr auto OpenFile = ::OpenFile;
+    static constexpr auto CloseFile = vlt_file_close;
+    static constexpr auto Read = vlt_file_read;
+    static constexpr auto Write = vlt_file_write;
+    static constexpr auto SetPos = vlt_file_set_pos;
+    static constexpr auto SetPosBof = vlt_file_set_pos_bof;
+    static constexpr auto SetPosEof = vlt_file_set_pos_eof;
+    static constexpr auto GetPos = vlt_file_get_pos;
+    static constexpr auto IsEof = vlt_file_is_eof;
+    static constexpr auto IsBof = vlt_file_is_bof;
+    static constexpr auto GetInfo = ::GetInfo;
+    static constexpr auto SetTime = ::SetTime;
+    static constexpr auto Delete = ::Delete;
+    static constexpr auto Enumerate = ::Enumerate;
+};
