@@ -18,7 +18,8 @@ def write_product(folder, items, lines):
              "1, ini\r\n1.1, separator, TAB\r\n"
     (folder / "kdbmain.txt").write_bytes(schema.encode())
     with open(folder / "bitm.txt", "w", newline="\r\n") as file:
-        file.writelines(f"{i}\tPart-{i * 2654435761 & 0xFFFFFFFF:08X}\tName of item {i}\tM\n" for i in range(1, items + 1))
+        file.writelines(f"{i}\tPart-{i * 2654435761 & 0xFFFFFFFF:08X}\tName of item {i}\tM\n"
+                        for i in range(1, items + 1))
     with open(folder / "bbom.txt", "w", newline="\r\n") as file:
         for line in range(lines):
             parent = line * (items - band) // lines

@@ -26,7 +26,8 @@ measure() { # NAME COMMAND...
 
 row() { # NAME REFERENCE
     awk -v name="$1" -v w="${wall[$1]}" -v c="${cpu[$1]}" -v rw="${wall[$2]}" -v rc="${cpu[$2]}" 'BEGIN {
-        printf "| %s | %.2f s | %.2f s | %.2f x | %.2f x |\n", name, w, c, w / (rw > 0 ? rw : 0.01), c / (rc > 0 ? rc : 0.01) }'
+        printf "| %s | %.2f s | %.2f s | %.2f x | %.2f x |\n",
+            name, w, c, w / (rw > 0 ? rw : 0.01), c / (rc > 0 ? rc : 0.01) }'
 }
 
 peak() { # NAME COMMAND...

@@ -23,5 +23,6 @@ cmake --preset test -DCMAKE_EXPORT_COMPILE_COMMANDS=ON >/dev/null
 git ls-files '*.cpp' "${looked_at[@]}" | while read -r source; do
     if grep -qF "\"$root/$source\"" build/test/compile_commands.json; then printf '%s\0' "$source"; fi
 done | timeout "$longest" xargs -0 -n 4 -P "$(nproc)" \
-    clang-tidy-14 -p build/test --quiet --warnings-as-errors='*' "${quick_checks[@]}" 2> >(grep -v 'warnings generated' >&2)
+    clang-tidy-14 -p build/test --quiet --warnings-as-errors='*' "${quick_checks[@]}" \
+        2> >(grep -v 'warnings generated' >&2)
 say "Nothing found"

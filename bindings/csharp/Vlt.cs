@@ -170,7 +170,8 @@ namespace Vlt
             int wide, error, only = readOnly ? 1 : 0;
             using (Calls.Alone.Enter())
                 handle = new PackageHandle(Api.vlt_package_open_ex(path, only, unchecked((uint)offset),
-                    (int)(offset >> 32), only, exclusive ? 1 : 0, readCredential, writeCredential, out wide, out error));
+                    (int)(offset >> 32), only, exclusive ? 1 : 0, readCredential, writeCredential, out wide,
+                    out error));
             if (handle.IsInvalid) throw VltException.OfOpening(error, path);
             WideNames = wide != 0;
         }
@@ -213,15 +214,18 @@ namespace Vlt
             double created, accessed, written;
             using (Calls.Shared.Enter())
                 return 1 == (WideNames
-                    ? Api.vltw_file_get_info(handle.Value, name, out kind, out size, out created, out accessed, out written)
-                    : Api.vlt_file_get_info(handle.Value, name, out kind, out size, out created, out accessed, out written));
+                    ? Api.vltw_file_get_info(handle.Value, name, out kind, out size, out created, out accessed,
+                        out written)
+                    : Api.vlt_file_get_info(handle.Value, name, out kind, out size, out created, out accessed,
+                        out written));
         }
 
         public void Delete(string name)
         {
             int deleted;
             using (Calls.Shared.Enter())
-                deleted = WideNames ? Api.vltw_file_delete(handle.Value, name) : Api.vlt_file_delete(handle.Value, name);
+                deleted = WideNames ? Api.vltw_file_delete(handle.Value, name)
+                    : Api.vlt_file_delete(handle.Value, name);
             if (deleted == 0) throw new VltException(name + ": there is no such file, or it is open");
         }
 
@@ -289,7 +293,8 @@ namespace Vlt
         static void CheckRange(byte[] buffer, int offset, int count)
         {
             if (buffer == null) throw new ArgumentNullException("buffer");
-            if (offset < 0 || count < 0 || count > buffer.Length - offset) throw new ArgumentOutOfRangeException("count");
+            if (offset < 0 || count < 0 || count > buffer.Length - offset)
+                throw new ArgumentOutOfRangeException("count");
         }
 
         public override int Read(byte[] buffer, int offset, int count)
@@ -300,7 +305,8 @@ namespace Vlt
             using (Calls.Shared.Enter())
             {
                 int read = Api.vlt_file_read(handle.Value, ref buffer[offset], count);
-                if (read == 0 && Api.vlt_file_is_eof(handle.Value) != 1) throw new VltException(Name + ": cannot be read");
+                if (read == 0 && Api.vlt_file_is_eof(handle.Value) != 1)
+                    throw new VltException(Name + ": cannot be read");
                 return read;
             }
         }
@@ -318,7 +324,8 @@ namespace Vlt
             }
         }
 
-        /// <summary>Moves the position; beyond the end means the end, for a file is made longer by writing alone.</summary>
+        /// <summary>Moves the position; beyond the end means the end, for a file is made longer by writing
+        /// alone.</summary>
         public override long Seek(long offset, SeekOrigin origin)
         {
             using (Calls.Shared.Enter())
@@ -421,7 +428,8 @@ namespace Vlt
         {
             int saved;
             using (Calls.Shared.Enter())
-                saved = folder == null ? Api.KOfflineDb_Save(handle.Value) : Api.KOfflineDb_SaveAs(handle.Value, folder);
+                saved = folder == null ? Api.KOfflineDb_Save(handle.Value)
+                    : Api.KOfflineDb_SaveAs(handle.Value, folder);
             if (saved == 0) throw Error();
         }
 
@@ -440,7 +448,8 @@ namespace Vlt
         }
     }
 
-    /// <summary>One table of a database: records and fields are numbered from 0, fields are found by their names.</summary>
+    /// <summary>One table of a database: records and fields are numbered from 0, fields are found by their
+    /// names.</summary>
     public sealed class Table
     {
         readonly Database database;

@@ -59,7 +59,8 @@ def functions(header):
             item.type.name == "vlt_wchar" for item in function.parameters) else ""
         head = f"        public static extern {result} {function.name}("
         yield ("\n" + summary(function.doc, "        ")
-               + f"        [DllImport(Library, {text}CallingConvention = CallingConvention.Cdecl, ExactSpelling = true,\n"
+               + f"        [DllImport(Library, {text}CallingConvention = CallingConvention.Cdecl, "
+               + "ExactSpelling = true,\n"
                + "            BestFitMapping = false, ThrowOnUnmappableChar = true)]\n"
                + wrapped(head, list(map(parameter, function.parameters)), ",", ");", "            "))
 

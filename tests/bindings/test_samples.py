@@ -35,7 +35,8 @@ def test_every_sample_prints_the_same_lines(tmp_path):
 
 
 def test_the_page_on_languages_shows_what_the_samples_hold():
-    samples = {"c": "c/sample.c", "python": "python/sample.py", "csharp": "csharp/Sample.cs", "pascal": "pascal/sample.pas"}
+    samples = {"c": "c/sample.c", "python": "python/sample.py", "csharp": "csharp/Sample.cs",
+               "pascal": "pascal/sample.pas"}
     blocks = re.findall(r"^```(\w+)\n(.*?)^```", (ROOT / "docs/languages.md").read_text(), re.S | re.M)
     assert len(blocks) == 12
     for language, block in blocks:

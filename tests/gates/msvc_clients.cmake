@@ -21,7 +21,8 @@ function(vlt_msvc_client language)
     set(object ${CMAKE_CURRENT_BINARY_DIR}/${name}.obj)
     set(program ${PROJECT_BINARY_DIR}/${name}.exe)
     add_custom_command(OUTPUT ${program} VERBATIM
-        COMMAND ${VLT_CLANG} --target=${CMAKE_SYSTEM_PROCESSOR}-pc-windows-msvc -x ${language} -ffreestanding -fno-builtin
+        COMMAND ${VLT_CLANG} --target=${CMAKE_SYSTEM_PROCESSOR}-pc-windows-msvc -x ${language}
+            -ffreestanding -fno-builtin
             -O1 -Wall -Wextra -Werror -I${PROJECT_SOURCE_DIR}/include -c ${CMAKE_CURRENT_SOURCE_DIR}/msvc_client.c
             -o ${object}
         COMMAND ${VLT_LLD_LINK} /entry:start /subsystem:console /nodefaultlib /safeseh:no /out:${program} ${object}

@@ -2,7 +2,8 @@
 # Every source, script and page that a page names is there: paths from the root of the tree, names alone anywhere.
 cmake_minimum_required(VERSION 3.25)
 file(GLOB pages ${TREE}/*.md ${TREE}/docs/*.md)
-set(folders base bench bindings bom cmake examples exchange fuzz include inspect offline platform scripts tests tool vlt)
+set(folders base bench bindings bom cmake examples exchange fuzz include inspect offline platform scripts
+    tests tool vlt)
 list(TRANSFORM folders REPLACE "(.+)" "${TREE}/\\1/*" OUTPUT_VARIABLE roots)
 file(GLOB_RECURSE files ${roots})
 set(names first.c)  # that one readers make themselves

@@ -1,5 +1,6 @@
 # SPDX-License-Identifier: MIT
-# Stores the paths of the programs printed in `readme`, every ```c and ```cpp block, written out one by one into `folder`.
+# Stores the paths of the programs printed in `readme`, every ```c and ```cpp block, written out one by one into
+# `folder`.
 function(vlt_read_readme_programs result readme folder)
     set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${readme})
     set(programs "")

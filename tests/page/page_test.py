@@ -29,7 +29,8 @@ def rows(records):
 def test_tree(browser, vlt, bicycle):
     browser.open(make_page(vlt, bicycle))
     tree = browser.one('#tree')
-    assert browser.texts('#tree .row')[0].endswith('BK-700 City bicycle, 28 inch, 7 gears ▤'), browser.texts('#tree .row')
+    assert browser.texts('#tree .row')[0].endswith('BK-700 City bicycle, 28 inch, 7 gears ▤'), \
+        browser.texts('#tree .row')
     closed = len(browser.texts('#tree .row'))
     tree.send_keys(Keys.ARROW_DOWN, Keys.ARROW_RIGHT)
     assert len(browser.texts('#tree .row')) > closed

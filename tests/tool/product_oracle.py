@@ -39,7 +39,8 @@ class Product:
         return self.db.execute(
             "WITH RECURSIVE top(nid) AS (SELECT NID FROM bitm WHERE NID NOT IN (SELECT NCID FROM bbom)), "
             "tree(nid, level, quantity, path) AS (SELECT nid, 0, '1', '/' || nid FROM top UNION ALL "
-            "SELECT NCID, level + 1, mul(quantity, FCOUNT), path || '/' || NCID FROM tree JOIN bbom ON NPID = tree.nid) "
+            "SELECT NCID, level + 1, mul(quantity, FCOUNT), path || '/' || NCID "
+            "FROM tree JOIN bbom ON NPID = tree.nid) "
             + sql).fetchall()
 
 
@@ -61,13 +62,15 @@ def random_product(folder, rng):
     for _ in range(90):
         parent = rng.randrange(1, 33)
         first = (parent - 1) // 8 * 8 + 9
-        lines.append((parent, rng.randrange(first, min(first + 12, 41)), rng.choice(["1", "2", "0.5", "0.125", "1.10"])))
+        lines.append((parent, rng.randrange(first, min(first + 12, 41)),
+                      rng.choice(["1", "2", "0.5", "0.125", "1.10"])))
     return Product(folder, items, lines)
 
 
 def compare(product):
     flat = {o["code"]: (o["quantity"], o["level"], o["uses"]) for o in product.objects("flat")}
-    wanted = product.query("SELECT CCODE, total(quantity), min(level), (SELECT count(*) FROM bbom WHERE NCID = tree.nid) "
+    wanted = product.query("SELECT CCODE, total(quantity), min(level), "
+                           "(SELECT count(*) FROM bbom WHERE NCID = tree.nid) "
                            "FROM tree JOIN bitm ON bitm.NID = tree.nid WHERE level > 0 GROUP BY tree.nid")
     assert flat == {r[0]: tuple(r[1:]) for r in wanted}, (product.folder, flat, wanted)
     for code in ("P33", "P40"):
@@ -90,7 +93,8 @@ def compare_cycles(folder, rng):
     pairs = [(rng.choice(names), rng.choice(names)) for _ in range(rng.randrange(1, 30))]
     product = Product(folder, [(name, "") for name in names],
                       [(names.index(a) + 1, names.index(b) + 1, "1") for a, b in pairs])
-    reach = dict(product.db.execute("WITH RECURSIVE r(a, b) AS (SELECT NPID, NCID FROM bbom UNION SELECT a, NCID FROM r "
+    reach = dict(product.db.execute("WITH RECURSIVE r(a, b) AS (SELECT NPID, NCID FROM bbom UNION "
+                                    "SELECT a, NCID FROM r "
                                     "JOIN bbom ON NPID = b) SELECT a || '-' || b, 1 FROM r"))
     wanted = {(a, b) for a, b in pairs if f"{names.index(b) + 1}-{names.index(a) + 1}" in reach or a == b}
     done = subprocess.run([VLT, "db", "check", folder, "--json"], capture_output=True, text=True)

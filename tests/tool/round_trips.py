@@ -11,8 +11,8 @@ TABLES = {"bitm": "NID CCODE CNAME CSRC", "bbom": "NID NPID NCID FCOUNT REF", "b
           "bitdwg": "NID NPID NCID", "bcapp": "NID CCODE", "bitcap": "NID NPID NCID"}
 ESCAPES = {"\\": "\\\\", ",": "\\c", "\t": "\\t", "\r": "\\r", "\n": "\\n", "/": "\\/"}
 # Every character that one of the forms treats specially, at every place of a value.
-HOSTILE = ['"', '""', '"a"', "a,b", ",", "a\r\nb", "\n", "\t", "a\tb", "//", "a // b", "\\", "\\n", "'", "''; DROP", ";",
-           "{}", "[1]", "null", "007", "1e5", "=1+1", "\x01\x1f\x7f", "é", "日本", "\U0001F6B2", "<b>&amp;", "a" * 3000]
+HOSTILE = ['"', '""', '"a"', "a,b", ",", "a\r\nb", "\n", "\t", "a\tb", "//", "a // b", "\\", "\\n", "'", "''; DROP",
+           ";", "{}", "[1]", "null", "007", "1e5", "=1+1", "\x01\x1f\x7f", "é", "日本", "\U0001F6B2", "<b>&amp;", "a" * 3000]
 
 
 def run(*words, status=0, data=b""):

@@ -84,7 +84,8 @@ def edits_killed():
             editing.kill()
             editing.wait()
             states.add(state(shelf / copy))
-        assert run("db", "edit", before, "--add", "N", "--line", "B1:N", "--add-field", "W", "--set", "A:W=1").returncode == 0
+        edited = run("db", "edit", before, "--add", "N", "--line", "B1:N", "--add-field", "W", "--set", "A:W=1")
+        assert edited.returncode == 0
         assert state(before) in states and len(states) <= 2, len(states)
 
 
