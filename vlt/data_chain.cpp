@@ -22,7 +22,7 @@ bool ChainExtension::grow_unwritten(std::int32_t count) {
     return true;
 }
 
-bool ChainExtension::reserve_blocks_of_chain(std::int32_t count) {
+bool ChainExtension::take_blocks(std::int32_t count) {
     for (std::int32_t last = before_, i = 0; i < count; ++i) {
         const std::int32_t block = store_.blocks.free.lowest();
         if (!chain_.append(block)) return false;
@@ -49,7 +49,7 @@ bool ChainExtension::drop_end(std::int32_t stored) {
     return true;
 }
 
-bool ChainExtension::reserve(std::int32_t stored, std::int32_t count, bool appends) {
+bool ChainExtension::allocate(std::int32_t stored, std::int32_t count, bool appends) {
     if (!search_blocks(store_) || !drop_end(stored)) return false;
     old_length_ = chain_.length();
     before_ = old_length_ > 0 ? chain_.last_block() : -1;
@@ -58,7 +58,7 @@ bool ChainExtension::reserve(std::int32_t stored, std::int32_t count, bool appen
     const std::int32_t missing = count - store_.blocks.free.count();
     const bool filled_at_once = appends && old_length_ == stored;
     if (missing > 0 && !(filled_at_once && grow_unwritten(missing)) && !vlt_package_grow(store_, count)) return false;
-    return reserve_blocks_of_chain(count);
+    return take_blocks(count);
 }
 
 ChainExtension::~ChainExtension() {

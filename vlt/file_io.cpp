@@ -42,7 +42,7 @@ std::int32_t read(Store& store, vlt_file& file, void* buffer, std::int32_t lengt
     return count;
 }
 
-/// Reserves the blocks that the file needs more, for bytes from `position` to `end` to be written.
+/// Allocates the blocks that the file needs more, for bytes from `position` to `end` to be written.
 bool vlt_file_reserve(Store& store, std::int32_t index, std::int64_t position, std::int64_t end,
                       ChainExtension& extension) {
     const vlt_dir_entry entry = store.images.entry(index);
@@ -52,8 +52,8 @@ bool vlt_file_reserve(Store& store, std::int32_t index, std::int64_t position, s
     if (blocks_for(end) > VLT_BLOCKS_MAX) return false;
     Chain& chain = store.open_files.find(index)->chain;
     if (entry.first_block() != 0 && !begin_chain(store, chain, entry.first_block())) return false;
-    return extension.reserve(static_cast<std::int32_t>(stored), static_cast<std::int32_t>(wanted),
-                             position >= entry.size());
+    return extension.allocate(static_cast<std::int32_t>(stored), static_cast<std::int32_t>(wanted),
+                              position >= entry.size());
 }
 
 /// Enters what a write has changed.
