@@ -1,9 +1,8 @@
 // SPDX-License-Identifier: MIT
-#include "offline/db/load.h"
-
 #include <initializer_list>
 
 #include "offline/db/database.h"
+#include "offline/db/error_state.h"
 #include "offline/db/field_list.h"
 #include "offline/db/file_names.h"
 #include "offline/db/schema_read.h"
@@ -53,6 +52,12 @@ bool require_tables(KOfflineDb* db, const KOfflineDb_SchemaState& state) {
         if (!state.declared[table]) return fail(db, Failure::table, kTableNames[table]);
     }
     return true;
+}
+
+/// Appends a field under a name as it stands, without looking for one of that name; a name over 32 bytes is cut, for
+/// dropping the field would shift the columns after it.
+Failure KOfflineDb_AppendSchemaField(KOfflineTable* table, const char* name) {
+    return append_field(table, name);
 }
 
 bool add_default_fields(KOfflineDb* db, const KOfflineDb_SchemaState& state) {
@@ -124,10 +129,6 @@ void find_root(KOfflineDb* db, const char* code) {
 }
 
 }  // namespace
-
-Failure KOfflineDb_AppendSchemaField(KOfflineTable* table, const char* name) {
-    return append_field(table, name);
-}
 
 }  // namespace vlt
 
