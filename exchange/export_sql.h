@@ -21,10 +21,10 @@ constexpr const char* kSqlCreateSchema =
 
 /// A table as SQL has it.
 struct SqlTable {
-    std::string name;                                             ///< "bitm"
-    std::vector<std::string> columns;                             ///< names in quotes, one a field
-    std::string nid, code, parent, child, description, quantity;  ///< those of them that have a meaning, or empty
-    bool has_key = false;  ///< every record has a NID of its own, so links refer to it
+    std::string name;                                             // "bitm"
+    std::vector<std::string> columns;                             // names in quotes, one a field
+    std::string nid, code, parent, child, description, quantity;  // those of them that have a meaning, or empty
+    bool has_key = false;  // every record has a NID of its own, so links refer to it
 };
 using SqlTables = std::array<SqlTable, kTableCount>;
 

@@ -11,10 +11,10 @@ namespace exchange {
 /// unless the user accepts what its text says is done instead.
 struct Finding {
     bool error = false;
-    std::int64_t line = 0;  ///< of the file, from 1
-    std::string kind;       ///< such as "jump", "name", "contents"
-    std::string code;       ///< of the item in question, or empty
-    std::string field;      ///< that differs, or empty
+    std::int64_t line = 0;  // of the file, from 1
+    std::string kind;       // such as "jump", "name", "contents"
+    std::string code;       // of the item in question, or empty
+    std::string field;      // that differs, or empty
     std::string before, after;
     std::string text;
 };

@@ -12,14 +12,14 @@ namespace exchange {
 
 struct FlatItem {
     std::string code, name;
-    std::vector<std::string> values;  ///< of the fields of items
-    std::int64_t line;                ///< where the item is first named
+    std::vector<std::string> values;  // of the fields of items
+    std::int64_t line;                // where the item is first named
 };
 
 struct FlatLine {
-    std::size_t parent, child;  ///< numbers of items
+    std::size_t parent, child;  // numbers of items
     std::string quantity;
-    std::vector<std::string> values;  ///< of the fields of lines
+    std::vector<std::string> values;  // of the fields of lines
     std::int64_t line;
 };
 
@@ -29,8 +29,8 @@ struct FlatBom {
     std::vector<std::string> item_fields, line_fields;
     std::vector<FlatItem> items;
     std::vector<FlatLine> lines;
-    std::vector<std::size_t> tops;  ///< items under no other one
-    Findings findings;              ///< in the order of the file's lines
+    std::vector<std::size_t> tops;  // items under no other one
+    Findings findings;              // in the order of the file's lines
 
     bool has_errors() const;
 };

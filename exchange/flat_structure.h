@@ -10,8 +10,8 @@ namespace exchange {
 constexpr std::size_t kNoRow = static_cast<std::size_t>(-1);
 
 struct FlatStructure {
-    std::vector<std::size_t> parents;  ///< the row above each row, or kNoRow
-    std::vector<bool> left_out;        ///< rows that cannot be placed
+    std::vector<std::size_t> parents;  // the row above each row, or kNoRow
+    std::vector<bool> left_out;        // rows that cannot be placed
 };
 
 /// By levels or numbers. Not for parents that are named by code: those rows lie under an item, not under a row.

@@ -18,20 +18,20 @@ enum Role : std::size_t { kLevel, kItemNumber, kParent, kCode, kName, kQuantity,
 enum class Notation { level, dotted, parent };
 
 struct FlatOptions {
-    char delimiter = '\0';  ///< of values; told by the heading where it is 0
-    char decimal = '\0';    ///< ',' or '.'; told by the quantities where it is 0
+    char delimiter = '\0';  // of values; told by the heading where it is 0
+    char decimal = '\0';    // ',' or '.'; told by the quantities where it is 0
     std::optional<Notation> notation;
     /// Headings by what they mean: "level", "item", "parent", "code", "name", "quantity", or the name of a field.
     std::map<std::string, std::string> meanings;
-    std::vector<std::string> line_headings;  ///< whose values belong to the line and not to the item
-    std::string top;                         ///< code of an assembly to be made above all that stand at the top
+    std::vector<std::string> line_headings;  // whose values belong to the line and not to the item
+    std::string top;                         // code of an assembly to be made above all that stand at the top
 };
 
 /// A column that has no role and becomes a field.
 struct FlatField {
     std::size_t column;
     std::string name;
-    bool of_line;  ///< a field of BBOM, else of BITM
+    bool of_line;  // a field of BBOM, else of BITM
 };
 
 class FlatTable {

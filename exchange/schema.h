@@ -23,10 +23,10 @@ constexpr std::array<const char*, kTableCount + 1> kDatabaseFiles = {
     "kdbmain.txt", "bitm.txt", "bbom.txt", "bdwg.txt", "bitdwg.txt", "bcapp.txt", "bitcap.txt"};
 
 struct Schema {
-    std::string separator;  ///< as characters
-    std::string root_code;  ///< empty: no root is chosen
-    std::string root_nid;   ///< where given, it decides between several items of that code
-    std::array<std::vector<std::string>, kTableCount> fields;  ///< as declared, "NID" or "BITM.NID"
+    std::string separator;  // as characters
+    std::string root_code;  // empty: no root is chosen
+    std::string root_nid;   // where given, it decides between several items of that code
+    std::array<std::vector<std::string>, kTableCount> fields;  // as declared, "NID" or "BITM.NID"
 };
 
 KOfflineTable* table_of(KOfflineDb* db, std::size_t table);
@@ -44,8 +44,8 @@ std::string schema_text(const Schema& schema);
 
 /// The schema as lines of a table. A root's code may be that of several items, so its NID stands beside it.
 struct SchemaRow {
-    std::string kind;   ///< "separator", "root", "root_nid" or "field"
-    std::string table;  ///< of a field
+    std::string kind;   // "separator", "root", "root_nid" or "field"
+    std::string table;  // of a field
     std::string value;
 };
 std::vector<SchemaRow> schema_rows(const Schema& schema);

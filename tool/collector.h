@@ -14,8 +14,8 @@ namespace tool {
 
 /// A file on the disk, and its name with '/' between folders.
 struct SourceFile {
-    std::shared_ptr<const fs::path> folder;  ///< files of one folder follow each other and share this
-    PathText last;                           ///< the last part of its path
+    std::shared_ptr<const fs::path> folder;  // files of one folder follow each other and share this
+    PathText last;                           // the last part of its path
     std::string name;
     FileStatus status;
 
@@ -29,8 +29,8 @@ struct LeftOut {
 
 class Collector {
 public:
-    std::vector<std::string> excluded;  ///< patterns for names or their last parts
-    fs::path not_this;                  ///< a file that is never collected: the package itself
+    std::vector<std::string> excluded;  // patterns for names or their last parts
+    fs::path not_this;                  // a file that is never collected: the package itself
 
     /// Collects a file, or the files of a folder and the folders in it; links are not followed.
     void collect(const fs::path& path, const std::string& name);

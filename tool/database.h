@@ -44,9 +44,9 @@ struct DatabasePlace {
 
 /// A document, or any other file beside the seven of a database.
 struct Document {
-    std::string name;  ///< as `CFILE` may name it: the bytes of the database's encoding
+    std::string name;  // as `CFILE` may name it: the bytes of the database's encoding
     std::int64_t size = 0;
-    fs::path path;  ///< of a folder's; empty in a package
+    fs::path path;  // of a folder's; empty in a package
 };
 
 /// Where the old files of a folder stand, all of them, while new ones take their places.

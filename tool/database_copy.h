@@ -47,9 +47,9 @@ private:
 struct Destination {
     fs::path path;
     bool is_package = false;
-    bool force = false;  ///< replace the database that stands there; its documents stay
+    bool force = false;  // replace the database that stands there; its documents stay
     bool sync = false;
-    Credentials words = {};  ///< of the package that is there
+    Credentials words = {};  // of the package that is there
 };
 
 /// Where the copy is made that is brought there: on the same file system.

@@ -10,8 +10,8 @@ namespace tool {
 
 enum ExitStatus : int {
     kDone = 0,
-    kFindings = 1,  ///< something was found, differs, or was left out
-    kFailed = 2,    ///< failure, or bad usage
+    kFindings = 1,  // something was found, differs, or was left out
+    kFailed = 2,    // failure, or bad usage
     kInterrupted = 130
 };
 

@@ -21,7 +21,7 @@ namespace tool {
 
 /// What the package tells of a stored file.
 struct Entry {
-    std::string name;  ///< stored form, see names.h
+    std::string name;  // stored form, see names.h
     bool of_other_maker = false;
     std::int64_t size = 0;
     double created = 0, accessed = 0, written = 0;
@@ -57,7 +57,7 @@ private:
     const Package& package_;
     std::string name_;
     std::uint32_t file_;
-    std::int64_t left_;  ///< bytes to read up to the end: the library reports a failed read like the end of the file
+    std::int64_t left_;  // bytes to read up to the end: the library reports a failed read like the end of the file
     std::int64_t size_ = left_;
 };
 

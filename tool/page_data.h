@@ -12,13 +12,13 @@ namespace tool {
 
 struct PageData {  // NOLINT(bugprone-exception-escape): JSON moves without throwing
     Json product;
-    std::vector<Document> documents;  ///< those inside the page, in the order of their numbers
+    std::vector<Document> documents;  // those inside the page, in the order of their numbers
 };
 
 /// Which documents come into the page.
 struct PageDocuments {
     bool wanted = true;
-    std::int64_t largest = 0;  ///< in bytes
+    std::int64_t largest = 0;  // in bytes
 };
 
 /// Throws `Failure`.

@@ -34,8 +34,8 @@ public:
 
 private:
     struct Pattern {
-        std::string text;                 ///< as given
-        std::optional<std::string> name;  ///< the stored name that it may be, folded
+        std::string text;                 // as given
+        std::optional<std::string> name;  // the stored name that it may be, folded
         bool wildcard, used = false;
     };
     bool selects(const Pattern& pattern, const std::string& name, const std::string& shown) const;

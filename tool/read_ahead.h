@@ -22,7 +22,7 @@ public:
     using Read = std::function<std::size_t(char* to, std::size_t room)>;
     struct File {
         Read read;
-        std::size_t size;  ///< what it is expected to have, so that small files are read whole
+        std::size_t size;  // what it is expected to have, so that small files are read whole
     };
     /// Opens a file, given its number. It and what it returns are called on the other thread.
     using Open = std::function<File(std::size_t number)>;

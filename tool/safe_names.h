@@ -8,8 +8,8 @@
 namespace tool {
 
 enum class NameRules {
-    everywhere,  ///< names that every system can have
-    native       ///< names that this system can have
+    everywhere,  // names that every system can have
+    native       // names that this system can have
 };
 
 /// The parts of a name between '/' and '\', which both separate folders.

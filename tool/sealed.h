@@ -30,15 +30,15 @@ FoundSums find_sums(const Inspected& inspected, bool search, Progress& progress)
 /// A file that was sealed, as it is now.
 struct SealedFile {
     enum class State {
-        intact,   ///< its bytes are those that were sealed
-        changed,  ///< it was written afterwards
-        removed,  ///< it was removed afterwards
-        damaged,  ///< its bytes are others, though nobody has written it
+        intact,   // its bytes are those that were sealed
+        changed,  // it was written afterwards
+        removed,  // it was removed afterwards
+        damaged,  // its bytes are others, though nobody has written it
     };
     State state = State::intact;
     std::optional<inspect::Entry> entry;
-    bool in_runs = false;     ///< its bytes lie where they were sealed, and its chain does not lead there
-    std::string entry_fault;  ///< what is wrong with its directory entry, if anything is
+    bool in_runs = false;     // its bytes lie where they were sealed, and its chain does not lead there
+    std::string entry_fault;  // what is wrong with its directory entry, if anything is
 };
 
 class SealedFiles {

@@ -61,7 +61,7 @@ std::int64_t seconds_of(std::tm local);
 struct FileStatus {
     enum class Kind { missing, file, folder, link, other } kind = Kind::missing;
     std::int64_t size = 0;
-    std::int64_t written = 0;  ///< seconds since 1970
+    std::int64_t written = 0;  // seconds since 1970
 };
 FileStatus file_status(const fs::path& path);
 

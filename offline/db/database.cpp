@@ -16,7 +16,7 @@ namespace vlt {
 namespace {
 
 struct UserDataHead {
-    alignas(std::max_align_t) std::size_t size;  ///< whatever a caller writes into `user_data_size`
+    alignas(std::max_align_t) std::size_t size;  // whatever a caller writes into `user_data_size`
 };
 
 using UserData = Headed<UserDataHead, char>;

@@ -65,15 +65,15 @@ enum FieldSlot : std::int32_t {
 };
 
 enum class FieldRule {
-    required,  ///< a load fails without it, and gives it an index, for lookups rely on both
-    added,     ///< a load adds it
-    optional   ///< the slot may stay empty
+    required,  // a load fails without it, and gives it an index, for lookups rely on both
+    added,     // a load adds it
+    optional   // the slot may stay empty
 };
 
 struct WellKnownField {
     TableSlot table;
-    const char* name;       ///< as it is looked up
-    const char* full_name;  ///< as it is added and reported: table name, point, name
+    const char* name;       // as it is looked up
+    const char* full_name;  // as it is added and reported: table name, point, name
     FieldRule rule;
 };
 

@@ -40,7 +40,7 @@ struct Options {
 /// One line of the text; no line at all when `begin` is null.
 struct Line {
     char* begin;
-    char* end;  ///< its line separator, or the end of the text
+    char* end;  // its line separator, or the end of the text
     std::int32_t number;
 };
 

@@ -16,18 +16,18 @@
 namespace vlt {
 
 enum {
-    KLEVEL_HAS_CHILDREN = 1,  ///< flag: the next reported line lies deeper
-    KLEVEL_HAS_PARENT = 2     ///< flag: the depth is above 0
+    KLEVEL_HAS_CHILDREN = 1,  // flag: the next reported line lies deeper
+    KLEVEL_HAS_PARENT = 2     // flag: the depth is above 0
 };
 
 enum {
-    KLEVEL_SKIP = 1,  ///< result: the lines below this one are not reported
-    KLEVEL_STOP = 2   ///< result: the parse ends
+    KLEVEL_SKIP = 1,  // result: the lines below this one are not reported
+    KLEVEL_STOP = 2   // result: the parse ends
 };
 
 enum {
-    KLEVEL_SOURCE_FILE = 1,  ///< the source is a file's path; the whole file is read
-    KLEVEL_SOURCE_COPY = 2   ///< the source is a text that is copied; any other kind is a text parsed in place
+    KLEVEL_SOURCE_FILE = 1,  // the source is a file's path; the whole file is read
+    KLEVEL_SOURCE_COPY = 2   // the source is a text that is copied; any other kind is a text parsed in place
 };
 
 /// Bytes of a value text and of a level text, terminator included; longer texts are cut.
@@ -39,21 +39,20 @@ inline constexpr std::int32_t KLEVEL_DEPTH_MAX = 255;
 
 /// One reported line.
 struct KLevelTextNode {
-    void* user;            ///< as given to the parse
-    std::int32_t line_no;  ///< counted from 0, lines passed over included
-    std::int32_t start;    ///< offset of the line's first byte in the text
-    std::int32_t end;      ///< offset of the line separator before the next line not passed over, or the text's end
-    std::int32_t line_count;  ///< lines of the text when asked for, else 1
-    std::int32_t depth;       ///< 0 for the first reported line; relative to it for the others, never below 0
-    std::int32_t level;       ///< lines above this one at ever smaller depths: a jump of several depths is one level
-    char* value;              ///< a copy that the procedure may change
+    void* user;               // as given to the parse
+    std::int32_t line_no;     // counted from 0, lines passed over included
+    std::int32_t start;       // offset of the line's first byte in the text
+    std::int32_t end;         // offset of the line separator before the next line not passed over, or the text's end
+    std::int32_t line_count;  // lines of the text when asked for, else 1
+    std::int32_t depth;       // 0 for the first reported line; relative to it for the others, never below 0
+    std::int32_t level;       // lines above this one at ever smaller depths: a jump of several depths is one level
+    char* value;              // a copy that the procedure may change
     const char* level_text;
-    const char* level_sep;  ///< null when not used
-    const char* trim;       ///< null when not used
-    std::uint32_t flags;    ///< KLEVEL_HAS_ flags
-    std::intptr_t
-        inherit;          ///< as the nearest line above left it, 0 at depth 0; what is left here goes to lines below
-    std::int32_t result;  ///< the procedure may set KLEVEL_SKIP or KLEVEL_STOP
+    const char* level_sep;  // null when not used
+    const char* trim;       // null when not used
+    std::uint32_t flags;    // KLEVEL_HAS_ flags
+    std::intptr_t inherit;  // as the nearest line above left it, 0 at depth 0; what is left here goes to lines below
+    std::int32_t result;    // the procedure may set KLEVEL_SKIP or KLEVEL_STOP
 };
 
 /// Called for every reported line; what it returns is ignored.

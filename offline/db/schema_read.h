@@ -15,11 +15,11 @@ namespace vlt {
 /// What one load has read of its schema so far. All zero at first, but for the database.
 struct KOfflineDb_SchemaState {
     KOfflineDb* db;
-    char root_code[256];  ///< code of the last root line; empty when there is none
-    char section[32];     ///< first word of the last top-level line that means something: "table" or "ini"
-    char table[32];       ///< name of the last table line
-    std::int32_t declared[TABLE_COUNT];  ///< 1 for a table that a table line names
-    Failure failure;                     ///< what a field could not be added of
+    char root_code[256];  // code of the last root line; empty when there is none
+    char section[32];     // first word of the last top-level line that means something: "table" or "ini"
+    char table[32];       // name of the last table line
+    std::int32_t declared[TABLE_COUNT];  // 1 for a table that a table line names
+    Failure failure;                     // what a field could not be added of
 };
 
 /// Applies one line of a schema, as the procedure of KLevelText_Parse; `user` is the KOfflineDb_SchemaState.

@@ -12,7 +12,7 @@ namespace {
 
 struct NamedCharacter {
     char character;
-    const char* further;  ///< as written after other characters; without the '+' in front of them
+    const char* further;  // as written after other characters; without the '+' in front of them
 };
 
 constexpr NamedCharacter kNamedCharacters[] = {{'\t', "+TAB"}, {' ', "+BLANK"}, {',', "+COMMA"}, {';', "+SEMICOLON"}};

@@ -15,9 +15,9 @@ namespace vlt {
 
 /// One file, from open to close. It lives in its user's frame and is closed exactly once.
 struct KOfflineStream {
-    std::int32_t in_package;  ///< the package's handle, or 0 for a disk file
+    std::int32_t in_package;  // the package's handle, or 0 for a disk file
     union {
-        std::uint32_t handle;  ///< the open file of the package
+        std::uint32_t handle;  // the open file of the package
         std::FILE* disk;
     } file;
 };

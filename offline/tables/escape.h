@@ -41,7 +41,7 @@ std::size_t escape_decode(char* text, std::size_t length, bool ascii_is_whole);
 /// it is written as it is.
 struct EscapeCodes {
     char code[256];
-    char plain[256];  ///< the other way: what a code stands for, 0 for no code
+    char plain[256];  // the other way: what a code stands for, 0 for no code
 };
 extern const EscapeCodes kEscapeCodes;
 

@@ -15,8 +15,8 @@ namespace vlt {
 inline constexpr std::size_t kFieldNameMax = 32;
 
 struct FieldsHead {
-    std::size_t slots;   ///< fields the array has room for; a schema may declare very many, one by one
-    std::int32_t count;  ///< fields there are, whatever a caller writes into `field_count`
+    std::size_t slots;   // fields the array has room for; a schema may declare very many, one by one
+    std::int32_t count;  // fields there are, whatever a caller writes into `field_count`
 };
 
 using Fields = Headed<FieldsHead, KOfflineField>;

@@ -19,21 +19,21 @@ namespace vlt {
 struct SearchAid;
 
 enum class IndexOrder : std::int32_t {
-    exact,    ///< what sorting the records it holds anew would give
-    mended,   ///< sorted, but equal values may stand otherwise since a record among them was deleted
-    outdated  ///< a value has changed since
+    exact,    // what sorting the records it holds anew would give
+    mended,   // sorted, but equal values may stand otherwise since a record among them was deleted
+    outdated  // a value has changed since
 };
 
 struct IndexHead {
-    std::uint64_t sum;      ///< of the entries as the library left them, in builds that check derived structures
-    std::int32_t slots;     ///< entries there is room for
-    std::int32_t held;      ///< entries there are, for the records 0 to held - 1
-    std::int32_t distinct;  ///< different values among them, or more after deletions
+    std::uint64_t sum;      // of the entries as the library left them, in builds that check derived structures
+    std::int32_t slots;     // entries there is room for
+    std::int32_t held;      // entries there are, for the records 0 to held - 1
+    std::int32_t distinct;  // different values among them, or more after deletions
     IndexOrder order;
-    SearchAid* aid;            ///< null, or made for the entries as they are
-    std::uint32_t searches;    ///< since the entries last changed
-    std::int16_t has_ties;     ///< 1 when two of the entries may have equal values
-    std::int16_t aid_refused;  ///< 1 when the entries as they are cannot have an aid
+    SearchAid* aid;            // null, or made for the entries as they are
+    std::uint32_t searches;    // since the entries last changed
+    std::int16_t has_ties;     // 1 when two of the entries may have equal values
+    std::int16_t aid_refused;  // 1 when the entries as they are cannot have an aid
 };
 
 using Index = Headed<IndexHead, std::int32_t>;

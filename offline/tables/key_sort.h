@@ -11,9 +11,9 @@
 namespace vlt {
 
 struct KeyEntry {
-    std::uint64_t key;  ///< the eight bytes sorted by last
+    std::uint64_t key;  // the eight bytes sorted by last
     std::int32_t record;
-    std::uint32_t is_repeated;  ///< 1 when the value equals that of the entry before
+    std::uint32_t is_repeated;  // 1 when the value equals that of the entry before
 };
 
 /// Fills `entries` with the records 0 to `count` - 1 in order of their values. `scratch` has room for as many.

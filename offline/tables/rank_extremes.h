@@ -37,7 +37,7 @@ private:
 
     const RankedItem* items_ = nullptr;
     std::size_t count_ = 0;
-    std::size_t leaves_ = 0;  ///< a power of two; node n has the children 2n and 2n + 1, the leaves come last
+    std::size_t leaves_ = 0;  // a power of two; node n has the children 2n and 2n + 1, the leaves come last
     HeapBlock<std::uint32_t> lowest_;
     HeapBlock<std::uint32_t> highest_;
 };

@@ -42,7 +42,7 @@ private:
     bool add_chunk(std::size_t size);
 
     RecordChunk* chunks_ = nullptr;
-    char* free_ = nullptr;  ///< where the next record begins
+    char* free_ = nullptr;  // where the next record begins
     char* end_ = nullptr;
     std::size_t chunk_size_ = 0;
 };

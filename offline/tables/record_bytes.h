@@ -53,9 +53,9 @@ struct LineFormat {
     explicit LineFormat(const char* separator_text);
 
     const char* separator;
-    std::size_t separator_length;  ///< 0: a line is one piece
-    bool ascii_is_whole;           ///< an ASCII byte is never part of a longer character
-    bool bytewise;                 ///< the separator can be looked for byte by byte
+    std::size_t separator_length;  // 0: a line is one piece
+    bool ascii_is_whole;           // an ASCII byte is never part of a longer character
+    bool bytewise;                 // the separator can be looked for byte by byte
 };
 
 /// A record that is not yet part of a table; what it takes of an arena is reserved only.

@@ -17,10 +17,10 @@ class RecordArena;
 struct RecordChunk;
 
 struct RecordsHead {
-    RecordChunk* chunks;    ///< what the records of data files are carved out of
-    std::size_t slots;      ///< pointers the array really has room for
-    std::int32_t count;     ///< records there are, whatever a caller writes into `record_count`
-    std::int32_t capacity;  ///< `record_capacity` likewise
+    RecordChunk* chunks;    // what the records of data files are carved out of
+    std::size_t slots;      // pointers the array really has room for
+    std::int32_t count;     // records there are, whatever a caller writes into `record_count`
+    std::int32_t capacity;  // `record_capacity` likewise
 };
 
 using Records = Headed<RecordsHead, KOfflineRecord*>;

@@ -25,14 +25,13 @@ namespace vlt {
 // that nobody foresees, and if that does not serve either, the index goes without.
 struct SearchAid {
     std::uint32_t* slots;
-    std::uint32_t*
-        run_starts;            ///< the first position of each run, and behind them the end; null without equal values
-    std::uint64_t seed;        ///< of the hash
-    std::uint32_t numbers;     ///< slots by number; 0 for a hash table
-    std::uint32_t least;       ///< the number of the first of them
-    std::uint32_t slot_mask;   ///< slots of the hash table, a power of two, less one
-    std::uint32_t entry_mask;  ///< the bits of a slot that hold the entry
-    std::uint32_t most_alike;  ///< slots with one tag that a value may pass on its way
+    std::uint32_t* run_starts;  // the first position of each run, and behind them the end; null without equal values
+    std::uint64_t seed;         // of the hash
+    std::uint32_t numbers;      // slots by number; 0 for a hash table
+    std::uint32_t least;        // the number of the first of them
+    std::uint32_t slot_mask;    // slots of the hash table, a power of two, less one
+    std::uint32_t entry_mask;   // the bits of a slot that hold the entry
+    std::uint32_t most_alike;   // slots with one tag that a value may pass on its way
 };
 
 namespace {
@@ -57,7 +56,7 @@ std::uint32_t plain_number(const char* text) {
 
 struct NumberRange {
     std::uint32_t least;
-    std::uint32_t count;  ///< from the least to the largest; 0 when they cannot be slots
+    std::uint32_t count;  // from the least to the largest; 0 when they cannot be slots
 };
 
 NumberRange find_numbers(const IndexContext& context, const IndexHead& head) {

@@ -16,7 +16,7 @@ struct LineReader {
     KOfflineTable* table;
     LineFormat format;
     std::int32_t nid_field;
-    RecordArena* arena;  ///< null: every record gets a block of its own
+    RecordArena* arena;  // null: every record gets a block of its own
 };
 
 /// Adds one line as a record, which gets an automatic NID when it brings none. A failure is noted in the database as

@@ -90,7 +90,7 @@ struct Ranked {
     void Sort() { rank_sort(items.data(), items.size(), before.data(), std::uint32_t(before.size() - 1)); }
 
     std::vector<RankedItem> items;
-    Numbers before;  ///< how many items are below each rank
+    Numbers before;  // how many items are below each rank
 };
 
 TEST(Sort, SortingRanksLeavesEveryElementWhereThePlainSortDoes) {

@@ -11,10 +11,10 @@ const std::string kSchema = "kdbmain.txt";
 /// One change of the small database that it cannot be loaded with.
 struct Failure {
     std::string file;
-    std::string from;               ///< what is changed in that file; empty: all of it
-    std::optional<std::string> to;  ///< none: the file is missing
+    std::string from;               // what is changed in that file; empty: all of it
+    std::optional<std::string> to;  // none: the file is missing
     std::int32_t code;
-    std::string text = "before";  ///< what error_text holds then; '@' stands for the path and a separator
+    std::string text = "before";  // what error_text holds then; '@' stands for the path and a separator
 };
 
 std::vector<Failure> Failures() {

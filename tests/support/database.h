@@ -63,7 +63,7 @@ protected:
     void Write(const std::string& name, const std::string& contents) const;
     std::string Read(const std::string& name) const;
     bool Exists(const std::string& name) const;
-    void Remove(const std::string& name) const;  ///< a directory with all in it
+    void Remove(const std::string& name) const;  // a directory with all in it
     void MakeDirectory(const std::string& name) const;
 
     /// Puts the files where they can be loaded from, and returns the path of that.
