@@ -10,6 +10,24 @@
 
 namespace vlt {
 
+namespace {
+
+/// Moves all of the bytes, in as many calls as it takes.
+template <typename Call, typename Byte>
+bool transfer(Call call, int fd, std::int64_t offset, Byte* at, std::size_t length) {
+    while (length > 0) {
+        const ssize_t n = call(fd, at, length, offset);
+        if (n < 0 && errno == EINTR) continue;
+        if (n <= 0) return false;
+        at += n;
+        offset += n;
+        length -= static_cast<std::size_t>(n);
+    }
+    return true;
+}
+
+}  // namespace
+
 int host_open(const char* path, bool writable) {
     const PosixPath native(path);
     if (!native.get()) return -1;
@@ -36,29 +54,11 @@ bool host_size(int fd, std::int64_t* size) {
 }
 
 bool host_read(int fd, std::int64_t offset, void* buffer, std::size_t length) {
-    auto* to = static_cast<char*>(buffer);
-    while (length > 0) {
-        const ssize_t n = ::pread(fd, to, length, offset);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) return false;
-        to += n;
-        offset += n;
-        length -= static_cast<std::size_t>(n);
-    }
-    return true;
+    return transfer(::pread, fd, offset, static_cast<char*>(buffer), length);
 }
 
 bool host_write(int fd, std::int64_t offset, const void* data, std::size_t length) {
-    const auto* from = static_cast<const char*>(data);
-    while (length > 0) {
-        const ssize_t n = ::pwrite(fd, from, length, offset);
-        if (n < 0 && errno == EINTR) continue;
-        if (n <= 0) return false;
-        from += n;
-        offset += n;
-        length -= static_cast<std::size_t>(n);
-    }
-    return true;
+    return transfer(::pwrite, fd, offset, static_cast<const char*>(data), length);
 }
 
 }  // namespace vlt
