@@ -29,6 +29,7 @@ say "Making a minimal Debian"
 debootstrap --variant=minbase bookworm "$debian" >"$debian.log" || { cat "$debian.log"; exit 1; }
 rm "$debian.log"
 cp /etc/resolv.conf "$debian/etc/resolv.conf"
+echo "127.0.0.1 localhost" >"$debian/etc/hosts" # which the installer writes on a machine
 mkdir "$debian/tree"
 git ls-files -z --cached --others --exclude-standard | tar --create --null --files-from - |
     tar --extract --directory "$debian/tree"
