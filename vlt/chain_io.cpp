@@ -3,7 +3,7 @@
 
 namespace vlt {
 
-bool follow_chain(Store& store, Chain& chain, std::int64_t position) {
+bool follow_chain(Store& store, KnownChain& chain, std::int64_t position) {
     while (!chain.empty() && chain.length() <= position && chain.length() < store.host.block_count()) {
         const std::int32_t next = next_of(store.images.word(chain.last_block()));
         if (!store.may_hold_data(next)) break;
@@ -12,7 +12,7 @@ bool follow_chain(Store& store, Chain& chain, std::int64_t position) {
     return true;
 }
 
-bool begin_chain(Store& store, Chain& chain, std::uint32_t first_block) {
+bool begin_chain(Store& store, KnownChain& chain, std::uint32_t first_block) {
     if (!chain.empty()) return true;
     return store.may_hold_data(index_of(first_block)) && chain.append(index_of(first_block));
 }
@@ -22,7 +22,7 @@ namespace {
 /// Moves `length` bytes at `offset` of the chain, one host call for each run; `move` is (block, inside it, done,
 /// bytes).
 template <typename Move>
-bool transfer(Store& store, Chain& chain, std::int64_t offset, std::int32_t length, Move move) {
+bool transfer(Store& store, KnownChain& chain, std::int64_t offset, std::int32_t length, Move move) {
     if (offset < 0 || length < 0 || offset > INT64_MAX - length) return false;
     std::int64_t position = offset / VLT_BLOCK_SIZE;
     auto inside = static_cast<std::int32_t>(offset % VLT_BLOCK_SIZE);
@@ -43,23 +43,18 @@ bool transfer(Store& store, Chain& chain, std::int64_t offset, std::int32_t leng
 
 }  // namespace
 
-bool vlt_chain_read(Store& store, Chain& chain, std::int64_t offset, void* buffer, std::int32_t length) {
+bool vlt_chain_read(Store& store, KnownChain& chain, std::int64_t offset, void* buffer, std::int32_t length) {
     return transfer(store, chain, offset, length,
                     [&](std::int32_t block, std::int32_t inside, std::int32_t done, std::size_t bytes) {
                         return store.host.read(block, inside, static_cast<char*>(buffer) + done, bytes);
                     });
 }
 
-bool vlt_chain_write(Store& store, Chain& chain, std::int64_t offset, const void* data, std::int32_t length) {
+bool vlt_chain_write(Store& store, KnownChain& chain, std::int64_t offset, const void* data, std::int32_t length) {
     return transfer(store, chain, offset, length,
                     [&](std::int32_t block, std::int32_t inside, std::int32_t done, std::size_t bytes) {
                         return store.host.write(block, inside, static_cast<const char*>(data) + done, bytes);
                     });
-}
-
-bool write_map_words(Store& store, std::int32_t block, std::int32_t count) {
-    return vlt_chain_write(store, store.images.header.chain, VLT_MAP_OFFSET + 4 * std::int64_t{block},
-                           store.images.word_at(block), 4 * count);
 }
 
 }  // namespace vlt

@@ -2,6 +2,7 @@
 #include "vlt/data_chain.h"
 
 #include "vlt/chain_io.h"
+#include "vlt/map_words.h"
 #include "vlt/package_grow.h"
 
 namespace vlt {

@@ -13,7 +13,7 @@ namespace vlt {
 /// ends, leaves orphaned blocks at the worst, in use and in no chain, and never a chain that leads to a free block.
 class ChainExtension {
 public:
-    ChainExtension(Store& store, Chain& chain) : store_(store), chain_(chain) {}
+    ChainExtension(Store& store, KnownChain& chain) : store_(store), chain_(chain) {}
     ChainExtension(const ChainExtension&) = delete;
     ChainExtension& operator=(const ChainExtension&) = delete;
 
@@ -36,7 +36,7 @@ private:
     bool write_words_of_new_blocks();
 
     Store& store_;
-    Chain& chain_;
+    KnownChain& chain_;
     std::int32_t old_length_ = -1;     // of the chain; -1 when nothing is allocated
     std::int32_t dropped_ = -1;        // the block that followed in the chain, cut off from it; -1 for none
     std::int32_t before_ = -1;         // the block that gets the link to the new ones, -1 for none

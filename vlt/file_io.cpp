@@ -14,8 +14,8 @@ namespace {
 // ---- Reading and writing, with the package held ------------------------------------------------------------------
 
 /// The chain of an open file, ready for use; null when the file owns no usable block.
-Chain* begun_chain(Store& store, std::int32_t index) {
-    Chain& chain = store.open_files.find(index)->chain;
+KnownChain* begun_chain(Store& store, std::int32_t index) {
+    KnownChain& chain = store.open_files.find(index)->chain;
     return begin_chain(store, chain, store.images.entry(index).first_block()) ? &chain : nullptr;
 }
 
@@ -36,7 +36,7 @@ std::int32_t read(Store& store, vlt_file& file, void* buffer, std::int32_t lengt
     if (!stamp_read(store, index, stamp_in_memory)) return 0;
     if (file.position < 0 || file.position >= size) return 0;
     const auto count = static_cast<std::int32_t>(std::min<std::int64_t>(length, size - file.position));
-    Chain* chain = begun_chain(store, index);
+    KnownChain* chain = begun_chain(store, index);
     if (!chain || !vlt_chain_read(store, *chain, file.position, buffer, count)) return 0;
     file.position += count;
     return count;
@@ -50,14 +50,14 @@ bool vlt_file_reserve(Store& store, std::int32_t index, std::int64_t position, s
     const std::int64_t wanted = blocks_for(end) - stored;
     if (wanted <= 0) return true;
     if (blocks_for(end) > VLT_BLOCKS_MAX) return false;
-    Chain& chain = store.open_files.find(index)->chain;
+    KnownChain& chain = store.open_files.find(index)->chain;
     if (entry.first_block() != 0 && !begin_chain(store, chain, entry.first_block())) return false;
     return extension.allocate(static_cast<std::int32_t>(stored), static_cast<std::int32_t>(wanted),
                               position >= entry.size());
 }
 
 /// Enters what a write has changed.
-bool enter_write(Store& store, std::int32_t index, const Chain& chain, std::int64_t end) {
+bool enter_write(Store& store, std::int32_t index, const KnownChain& chain, std::int64_t end) {
     vlt_dir_entry entry = store.images.entry(index);
     const double now = store.clock.stamp_now();
     const auto first_block = static_cast<std::uint32_t>(chain.first_block()) + 1;
@@ -74,7 +74,7 @@ bool write(Store& store, vlt_file& file, const void* data, std::int32_t length) 
     const std::int32_t index = file.entry_index();
     if (file.position < 0 || file.position > INT64_MAX - length) return false;
     const std::int64_t end = file.position + length;
-    Chain& chain = store.open_files.find(index)->chain;
+    KnownChain& chain = store.open_files.find(index)->chain;
     ChainExtension extension(store, chain);
     if (!vlt_file_reserve(store, index, file.position, end, extension)) return false;
     if (chain.empty() && !begin_chain(store, chain, store.images.entry(index).first_block())) return false;

@@ -1,22 +1,22 @@
 // SPDX-License-Identifier: MIT
 // The header run and the directory run of an open package, held in memory whole, with the chains that they come from.
 // They equal what is in the host file when an operation has ended, except after a write that failed, and for stamps
-// of reading that stay in memory (`EntryState`). `header_load` reads them, `own_chain` lengthens them; map words are
-// changed by those who write them through, entries by the operations on files.
+// of reading that stay in memory (`EntryState`). `header_load` reads them, `package_chain` lengthens them; map words
+// are changed by those who write them through, entries by the operations on files.
 #pragma once
 
 #include <cstdint>
 
 #include "base/array.h"
 #include "base/index_set.h"
-#include "vlt/chain.h"
 #include "vlt/format.h"
+#include "vlt/known_chain.h"
 
 namespace vlt {
 
 /// A chain of the package's own, known whole, and its bytes.
 struct OwnChain {
-    Chain chain;
+    KnownChain chain;
     Array<std::uint8_t> bytes;
 };
 

@@ -8,7 +8,7 @@
 
 #include "base/array.h"
 #include "base/owned.h"
-#include "vlt/chain.h"
+#include "vlt/known_chain.h"
 
 namespace vlt {
 
@@ -17,7 +17,7 @@ struct OpenFile {
     std::int32_t opens = 0;            // slots that have the file open
     std::int32_t writers = 0;          // of these, opened for writing or appending
     std::int32_t exclusive_opens = 0;  // of these, opened exclusively
-    Chain chain;
+    KnownChain chain;
 };
 
 class OpenFiles {
@@ -60,7 +60,7 @@ public:
     }
 
     /// Forgets what is known of every other chain.
-    void forget_chains_but(const Chain& kept) {
+    void forget_chains_but(const KnownChain& kept) {
         for (OpenFile* entry : by_index_)
             if (entry && &entry->chain != &kept) entry->chain.clear();
     }

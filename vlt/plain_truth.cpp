@@ -7,7 +7,7 @@ namespace vlt {
 
 namespace {
 
-void check_own_chain(Store& store, const Chain& chain, std::int32_t start) {
+void check_package_chain(Store& store, const KnownChain& chain, std::int32_t start) {
     std::int32_t block = start;
     for (std::int32_t position = 0; position < chain.length(); ++position) {
         check_truth(chain.block_at(position) == block && store.images.own_blocks.contains(block));
@@ -38,7 +38,7 @@ void check_chain(Store& store, std::int32_t block) {
 void check_open_chain(Store& store, std::int32_t index) {
     const OpenFile* open = store.open_files.find(index);
     if (!open || open->chain.empty()) return;
-    const Chain& chain = open->chain;
+    const KnownChain& chain = open->chain;
     check_truth(chain.first_block() == store.images.entry(index).first_index());
     for (std::int32_t position = 1; position < chain.length(); ++position)
         check_truth(next_of(store.images.word(chain.block_at(position - 1))) == chain.block_at(position));
@@ -57,8 +57,8 @@ void check_name(Store& store, std::int32_t index) {
 
 void check_store(Store& store) {
     if (store.host.block_count() > 16384) return;  // small packages meet every case, and large ones would take hours
-    check_own_chain(store, store.images.header.chain, VLT_HEADER_START);
-    check_own_chain(store, store.images.directory.chain, VLT_DIRECTORY_START);
+    check_package_chain(store, store.images.header.chain, VLT_HEADER_START);
+    check_package_chain(store, store.images.directory.chain, VLT_DIRECTORY_START);
     if (store.blocks.searched) check_free_blocks(store);
     for (std::int32_t i = 0; i < store.images.vlt_dir_count(); ++i) {
         const vlt_dir_entry entry = store.images.entry(i);

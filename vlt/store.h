@@ -9,7 +9,7 @@
 #include <cstdint>
 
 #include "platform/mutex.h"
-#include "vlt/blocks.h"
+#include "vlt/block_use.h"
 #include "vlt/images.h"
 #include "vlt/known_entries.h"
 #include "vlt/open_files.h"
@@ -29,7 +29,7 @@ struct Store {
     HostMutex* mutex = nullptr;
     PackageHost host;              // opened by package_open; blocks counted by header_load, package_grow, data_chain
     Images images;                 // see images.h
-    Blocks blocks;                 // blocks; data_chain takes names from contested blocks
+    Blocks blocks;                 // block_use; data_chain takes names from contested blocks
     KnownEntries entries{images};  // directory
     OpenFiles open_files;          // file_table, file_open; the chains in it: chain_io, data_chain, file_empty
     StampClock clock;              // itself

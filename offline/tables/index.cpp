@@ -5,7 +5,7 @@
 #include <cstring>
 
 #include "offline/tables/caller_changes.h"
-#include "offline/tables/index_insert.h"
+#include "offline/tables/index_merge.h"
 #include "offline/tables/index_sort.h"
 #include "offline/tables/plain_truth.h"
 #include "offline/tables/search_aid.h"
@@ -43,7 +43,7 @@ void sort_entries(const KOfflineTable* table, std::int32_t field) {
 bool is_exact(const KOfflineTable* table, std::int32_t field) {
     const IndexHead* head = Index::head(table->fields[field].index);
     if (head->order != IndexOrder::exact) return false;
-    return head->held == table->record_count || index_insert_new(table, field);
+    return head->held == table->record_count || index_merge_new(table, field);
 }
 
 bool refresh(KOfflineTable* table, std::int32_t field) {

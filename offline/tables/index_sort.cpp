@@ -6,8 +6,8 @@
 
 #include "base/ascii_case.h"
 #include "base/heap.h"
-#include "offline/tables/array_sort.h"
 #include "offline/tables/key_sort.h"
+#include "offline/tables/promised_sort.h"
 #include "offline/tables/rank_sort.h"
 
 namespace vlt {

@@ -5,8 +5,8 @@
 #include <cstddef>
 
 #include "base/ascii_case.h"
-#include "offline/tables/array_sort.h"
 #include "offline/tables/index_sort.h"
+#include "offline/tables/promised_sort.h"
 
 namespace vlt {
 

@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "offline/tables/index_insert.h"
+#include "offline/tables/index_merge.h"
 
 #include <algorithm>
 #include <cstring>
@@ -57,7 +57,7 @@ void merge(std::int32_t* index, std::int32_t held, const NewEntry* entries, std:
 
 }  // namespace
 
-bool index_insert_new(const KOfflineTable* table, std::int32_t field) {
+bool index_merge_new(const KOfflineTable* table, std::int32_t field) {
     std::int32_t* index = table->fields[field].index;
     IndexHead* head = Index::head(index);
     const std::int32_t added = table->record_count - head->held;

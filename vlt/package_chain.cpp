@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
-#include "vlt/own_chain.h"
+#include "vlt/package_chain.h"
 
-#include "vlt/chain_io.h"
+#include "vlt/map_words.h"
 
 namespace vlt {
 

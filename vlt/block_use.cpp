@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "vlt/blocks.h"
+#include "vlt/block_use.h"
 
 #include <algorithm>
 

@@ -10,6 +10,6 @@ namespace vlt {
 
 /// Inserts the records that an exact index without equal values does not hold yet. The array has room for them.
 /// False, with nothing changed, when one would tie, when sorting anew is cheaper, or when memory runs out.
-bool index_insert_new(const KOfflineTable* table, std::int32_t field);
+bool index_merge_new(const KOfflineTable* table, std::int32_t field);
 
 }  // namespace vlt

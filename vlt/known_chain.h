@@ -18,7 +18,7 @@ struct Run {
 
 /// The known beginning of a chain. The block map is the truth; it is followed on demand, and what is known is
 /// forgotten when the chain is released.
-class Chain {
+class KnownChain {
 public:
     /// Blocks known so far.
     std::int32_t length() const { return length_; }
