@@ -357,6 +357,45 @@ TEST(Damage, ThatTiesTwoFilesFreesNoBlockOfTheOther) {
     }
 }
 
+/// A file ends in the middle of another's chain, at a block that looks free or is a third one's. Growing cuts that
+/// block off, and whoever had followed the chain to it before goes where one goes who opens the package anew.
+TEST(Damage, ThatTiesTwoFilesLeavesNoneOnAChainThatTheOtherCut) {
+    for (const bool looks_free : {false, true}) {
+        for (const bool reopened : {false, true}) {
+            SCOPED_TRACE(testing::Message()
+                         << (looks_free ? "looks free" : "a third") << (reopened ? ", reopened" : ""));
+            PackageState state = StateNamed("whole");
+            Patient patient{PackageImage(state.host), state.host};
+            const int cut_off = patient.block("victim", 2);
+            patient.SetSize(2 * 4096);
+            patient.Link(patient.block("other", 0), static_cast<std::uint32_t>(patient.block("victim", 1)) + 1);
+            if (looks_free) patient.SetWord(cut_off, 0);
+            if (!looks_free) patient.SetField("tiny", 1, static_cast<std::uint64_t>(cut_off) + 1, 4);
+            state.host = patient.host;
+            World world(state);
+            std::uint32_t other = OpenFile(world.package(), "other", VLT_MODE_WRITE);
+            EXPECT_EQ(ReadFrom(other, 9000).size(), 4097u * 2);
+
+            Model files;
+            const Bytes grown = Pattern("grown", 4096), over = Pattern("over", 4096);
+            EXPECT_TRUE(WriteTo(OpenFile(world.package(), "victim", VLT_MODE_APPEND), grown));
+            EXPECT_EQ(Delete(world.package(), "tiny"), 1);
+            if (reopened) {
+                world.Close();
+                ASSERT_TRUE(world.Open());
+                other = OpenFile(world.package(), "other", VLT_MODE_WRITE);
+            }
+            world.Put(files, "made", 40 * 4096);  // every free block is in it
+            vlt_file_set_pos(other, 2 * 4096);
+            EXPECT_EQ(ReadFrom(other, 99), Bytes(grown.begin(), grown.begin() + 2));
+            EXPECT_TRUE(vlt_file_set_pos(other, 2 * 4096) && WriteTo(other, over));
+            EXPECT_TRUE(world.Stored("made") == files["made"]) << "a new file has changed";
+            const Bytes ends = world.Stored("victim").value();
+            EXPECT_TRUE(std::equal(ends.begin() + 2 * 4096, ends.end(), over.begin(), over.end()));
+        }
+    }
+}
+
 /// A host file that lost its end grows again: blocks that a file still names are not given to another.
 TEST(Damage, OfALostEndKeepsItsBlocksWhenThePackageGrows) {
     PackageState state = StateNamed("four_blocks");
