@@ -85,7 +85,9 @@ public:
         const bool ends_well = chain_.size() == package_.directory().blocks.size() &&
                                package_.directory().end == ChainEnd::last && package_.map().Used(chain_.back());
         Collect(ends_well);
+        ReplaceEmpty();
         for (std::int32_t block; (block = NextFound()) >= 0;) Follow(block);
+        if (EndsInsideEntry() && std::ssize(chain_) < package_.block_count()) chain_.push_back(-1);
         return std::move(chain_);
     }
 
@@ -100,12 +102,43 @@ private:
     }
 
     bool Believable(std::int32_t block) const {
+        const Looks looks = LooksOf(block, std::ssize(chain_));
+        return 2 * looks.possible >= looks.places;
+    }
+
+    /// Of the places for entries that begin in a block, how many may hold one, and how many do.
+    struct Looks {
+        int places = 0, possible = 0, used = 0;
+    };
+    Looks LooksOf(std::int32_t block, std::int64_t position) const {
         std::uint8_t bytes[kBlock];
         package_.ReadBlock(block, bytes);
-        int good = 0, all = 0;
-        for (int at = PhaseOf(std::ssize(chain_), size_); at + kName <= kBlock; at += size_, ++all)
-            good += MayBeEntry(bytes + at);
-        return 2 * good >= all;
+        Looks looks;
+        for (int at = PhaseOf(position, size_); at + kName <= kBlock; at += size_, ++looks.places) {
+            looks.possible += MayBeEntry(bytes + at);
+            looks.used += LooksLikeEntry(bytes + at);
+        }
+        return looks;
+    }
+
+    /// Puts blocks with entries in the place of linked ones without: zeros look like a directory, too.
+    void ReplaceEmpty() {
+        for (std::int64_t i = 1; i < std::ssize(chain_); ++i) {
+            std::int32_t& block = chain_[static_cast<std::size_t>(i)];
+            if (!HasFound(i) || LooksOf(block, i).used > 0) continue;
+            block = FoundFor(i).front();
+            taken_.Add(block);
+        }
+    }
+
+    /// Whether a file's entry goes on where the run ends. Where the rest is the end of its name only, nothing in the
+    /// block that held it looks like a directory.
+    bool EndsInsideEntry() const {
+        const std::int64_t length = std::ssize(chain_) * kBlock, begin = length - length % size_;
+        if (length - begin <= kName) return false;
+        std::uint8_t bytes[kName];
+        package_.ReadRun({chain_}, static_cast<std::uint64_t>(begin), bytes, sizeof bytes);
+        return LooksLikeEntry(bytes);
     }
 
     /// What may belong to the directory: no block that a file holds. Where the directory ends as it should, only a
@@ -120,15 +153,24 @@ private:
                     found.block);
     }
 
+    /// What the scan found for a place in the chain.
+    std::deque<std::int32_t>& FoundFor(std::int64_t position) {
+        return found_[static_cast<std::size_t>(PhaseOf(position, size_))];
+    }
+    /// Whether any of it is not taken yet: the first is not, then.
+    bool HasFound(std::int64_t position) {
+        auto& blocks = FoundFor(position);
+        while (!blocks.empty() && taken_.Has(blocks.front())) blocks.pop_front();
+        return !blocks.empty();
+    }
+
     /// The first block found for the next place that there is one for; places before it are left open.
     std::int32_t NextFound() {
         const std::int64_t room = package_.block_count() - std::ssize(chain_);  // for a chain of the blocks there are
         for (std::int64_t gap = 0; gap < std::min<std::int64_t>(size_, room); ++gap) {
-            auto& blocks = found_[static_cast<std::size_t>(PhaseOf(std::ssize(chain_) + gap, size_))];
-            while (!blocks.empty() && taken_.Has(blocks.front())) blocks.pop_front();
-            if (blocks.empty()) continue;
+            if (!HasFound(std::ssize(chain_) + gap)) continue;
             chain_.insert(chain_.end(), static_cast<std::size_t>(gap), -1);
-            return blocks.front();
+            return FoundFor(std::ssize(chain_)).front();
         }
         return -1;
     }

@@ -1,11 +1,14 @@
 // SPDX-License-Identifier: MIT
 // Damage: named patches to good packages, and every byte of the header and the directory changed. The package opens
 // or is refused; every operation is safe and changes nothing but the file it is for; files beside the damage are
-// intact.
+// intact, and are brought back without the library.
 #include <functional>
 #include <limits>
 #include <set>
 
+#include "inspect/claims.h"
+#include "inspect/recover.h"
+#include "inspect/stored_bytes.h"
 #include "tests/faults/world.h"
 
 namespace {
@@ -60,6 +63,11 @@ const Patch kHeaderPatches[] = {
     {"directory links to the header", [](Patient& p) { p.Link(1, 1); }},
     {"directory links outside", [](Patient& p) { p.Link(1, p.count() + 1); }},
     {"directory links to a file", [](Patient& p) { p.Link(1, p.number("other")); }},
+    {"directory links to a free block of zeros",
+     [](Patient& p) {
+         p.Link(1, p.free_block() + 1);
+         std::fill_n(p.host.begin() + std::ptrdiff_t{4096} * p.free_block(), 4096, 0);
+     }},
     {"directory ends early", [](Patient& p) { p.Link(1, 0); }},
     {"directory looks free", [](Patient& p) { p.SetWord(1, 0); }},
     {"end of the directory links back", [](Patient& p) { p.Link(p.good.directory_chain.back(), 2); }},
@@ -260,9 +268,90 @@ void UseEach(const PackageState& bad, const Model& intact) {
     }
 }
 
+// ---- Recovery ----------------------------------------------------------------------------------------------------
+
+/// The files of which no byte was damaged: of their entries, their map words, their contents. A block that the host
+/// file has lost in part counts as lost.
+Model Untouched(const PackageState& state, const PackageImage& good, const Bytes& host) {
+    const auto same = [&](const std::vector<int>& chain, std::size_t from, std::size_t count) {
+        for (std::size_t at = from, piece = 0; at < from + count; at += piece) {
+            piece = std::min(from + count - at, 4096 - at % 4096);
+            const std::size_t offset = good.HostOffset(chain, at);
+            if (offset / 4096 >= host.size() / 4096 ||
+                !std::equal(&host[offset], &host[offset] + piece, &good.host[offset]))
+                return false;
+        }
+        return true;
+    };
+    Model untouched;
+    for (const auto& [name, bytes] : state.files) {
+        const ImageEntry& entry = *good.Find(name);
+        const auto size = static_cast<std::size_t>(good.entry_size);
+        const std::vector<int> chain = good.Chain(entry.start());
+        bool whole = same(good.directory_chain, static_cast<std::size_t>(entry.index) * size, size) &&
+                     same(chain, 0, bytes.size());
+        for (const int block : chain)
+            whole = whole && same(good.header_chain, 101 + 4 * static_cast<std::size_t>(block), 4);
+        if (whole) untouched[name] = bytes;
+    }
+    return untouched;
+}
+
+/// The bytes of a stored file, as the program brings them back.
+Bytes BroughtBack(const inspect::Package& package, const ImageEntry& entry) {
+    Bytes bytes;
+    inspect::ReadStored(package, entry.start(), entry.size, [&](const std::uint8_t* at, std::size_t count) {
+        bytes.insert(bytes.end(), at, at + count);
+    });
+    return bytes;
+}
+
+/// Puts a damaged package together without the library. Each file that was not touched comes back whole, and is
+/// doubted only where a damaged one reaches into it, or short where a damaged link makes its last, nearly empty block
+/// one of the directory. What is whole beyond doubt holds the bytes of a file as it was, unless its length was
+/// damaged: where its blocks suffice for that, nothing tells.
+void ExpectRecovered(const PackageState& state, const PackageImage& good, const Bytes& host) {
+    const PackageImage bad(host);
+    const inspect::Memory source(host);
+    inspect::Package package(source);
+    const inspect::Recovered recovered = inspect::Recover(package, inspect::ScanBlocks(package));
+    const bool guessed = recovered.header || recovered.directory || recovered.missing > 0;
+    EXPECT_TRUE(!guessed || bad.header_chain != good.header_chain || bad.directory_chain != good.directory_chain);
+    package.TakeOddKinds();
+
+    const Model untouched = Untouched(state, good, host);
+    Model missing = untouched;
+    const auto find = [&](const ImageEntry& entry) {
+        return untouched.find(std::string(entry.name.begin(), entry.name.end()));
+    };
+    inspect::ForEachFile(package, [&](const inspect::FileState& file) {
+        if (!file.whole()) return;
+        const Bytes bytes = BroughtBack(package, file.entry);
+        const bool doubted = file.shared || file.looks_free;
+        const bool tied =
+            file.shared && file.shared_with >= 0 && find(package.EntryAt(file.shared_with)) == untouched.end();
+        const auto original = find(file.entry);
+        if (original != untouched.end() && original->second == bytes && (!doubted || tied))
+            missing.erase(original->first);
+        bool as_it_was = false, as_long = false;
+        for (const auto& known : state.files) {
+            as_long = as_long || known.second.size() == bytes.size();
+            as_it_was = as_it_was || known.second == bytes;
+        }
+        EXPECT_TRUE(doubted || as_it_was || !as_long) << file.entry.index << " is called whole";
+    });
+    const std::vector<int>& directory = package.directory().blocks;
+    for (const auto& file : missing) {
+        const std::vector<int> chain = good.ChainOf(file.first);
+        const auto lost = std::find_first_of(chain.begin(), chain.end(), directory.begin(), directory.end());
+        EXPECT_TRUE(lost != chain.end() && lost + 1 == chain.end()) << file.first << " does not come back";
+    }
+}
+
 /// Opens a damaged package and does everything with it.
 void Examine(const PackageState& state, const PackageImage& good, Bytes host) {
     Count("patches tried");
+    ExpectRecovered(state, good, host);
     PackageState bad = state;
     bad.host = std::move(host);
     std::int32_t error = 0;
@@ -305,6 +394,24 @@ TEST(Damage, OfEveryKindIsSafe) {
 
 TEST(Damage, OfALongHeaderIsSafe) {
     TryPatches(StateNamed("long_header"), kHeaderPatches);
+}
+
+/// A stored package looks like a part of the one that it lies in, and lies before the end of its directory.
+TEST(Damage, OfAPackageThatHoldsAnotherIsSafe) {
+    PackageState state = StateNamed("growing");
+    for (const bool outer : {false, true}) {
+        const Bytes inner = state.host;
+        state = StateNamed("growing");
+        World world(state);
+        if (outer) {
+            ASSERT_TRUE(WriteTo(OpenFile(world.package(), "inner", VLT_MODE_APPEND), inner));
+            state.files["inner"] = inner;
+        }
+        for (const char* name : {"a", "b", "c", "d", "e", "f"}) world.Put(state.files, name, outer ? 20 : 10);
+        world.Drop(state.files, "tiny");
+        state.host = world.Image().host;
+    }
+    TryPatches(state, kHeaderPatches);
 }
 
 /// Every byte that means something, wrong in two ways.
