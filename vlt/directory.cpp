@@ -77,6 +77,7 @@ std::int32_t vlt_dir_add(Store& store, const Char* name) {
     entry.set_written(now);
     store.entries.free_entries.remove(index);
     store.entries.names.add(index);
+    store.entries.states[static_cast<std::size_t>(index)] = EntryState::never_written;
     return vlt_dir_put(store, index) ? index : no_entry;
 }
 
@@ -88,7 +89,11 @@ template std::int32_t vlt_dir_add(Store&, const vlt_wchar*);
 bool vlt_dir_put(Store& store, std::int32_t index) {
     const bool written = vlt_chain_write(store, store.images.directory.chain, store.images.entry_offset(index),
                                          store.images.entry_at(index), store.images.entry_size());
-    store.entries.states[static_cast<std::size_t>(index)] = written ? EntryState::stored : EntryState::writing_failed;
+    EntryState& state = store.entries.states[static_cast<std::size_t>(index)];
+    if (written)
+        state = EntryState::stored;
+    else if (state != EntryState::never_written)
+        state = EntryState::writing_failed;
     return written;
 }
 

@@ -14,7 +14,8 @@ namespace vlt {
 enum class EntryState : std::uint8_t {
     stored,          // equal
     stamped_here,    // a stamp of reading was not written, on purpose
-    writing_failed,  // unknown, as when the entry of a new file could not be written
+    writing_failed,  // unknown
+    never_written,   // the entry of a new file could not be written: the host file may not have it
 };
 
 /// What is known of the entries besides their bytes.

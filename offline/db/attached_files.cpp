@@ -25,9 +25,10 @@ void copy_out(KOfflineStream* from, std::FILE* to) {
     }
 }
 
-/// Copies no more than the `left` bytes that the disk file holds at first: it may be the package itself, which grows
-/// as it is read.
-void copy_in(std::FILE* from, std::int64_t left, KOfflineStream* to) {
+/// Copies no more than the `size` bytes that the disk file holds at first: it may be the package itself, which grows
+/// as it is read. A file without any may have some all the same: the system tells no size of those that it makes up.
+void copy_in(std::FILE* from, std::int64_t size, KOfflineStream* to) {
+    std::int64_t left = size > 0 ? size : INT64_MAX;
     char chunk[KOfflineDb_COPY_CHUNK];
     std::size_t length;
     while ((length = disk_read(from, chunk, KOfflineDb_COPY_CHUNK)) > 0 && left > 0) {

@@ -17,7 +17,7 @@ bool open_stored(std::int32_t package, const char* path, bool for_writing, KOffl
     if (*name == 0 || std::strlen(name) > kStoredNameMax) return false;
     const std::uint32_t mode = for_writing ? VLT_MODE_WRITE : VLT_MODE_READ;
     const std::int32_t handle = vlt_file_open(package, name, mode, 0, for_writing, nullptr);
-    if (handle < 1) return false;
+    if (handle == 0) return false;  // beyond the 32,767th package handle, those of files are negative
     stream->in_package = package;
     stream->file.handle = static_cast<std::uint32_t>(handle);
     return true;

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "base/heap.h"
+#include "platform/multibyte.h"
 
 namespace vlt {
 
@@ -14,8 +15,9 @@ public:
     explicit PosixPath(const char* path) : copy_(HeapBlock<char>::of(std::strlen(path) + 1)) {
         if (!copy_) return;
         std::strcpy(copy_.get(), path);
-        for (char* c = copy_.get(); *c; ++c)
-            if (*c == '\\') *c = '/';
+        // A trail byte may look like a separator.
+        for (const char* c = path; *c; c = multibyte_next(c))
+            if (*c == '\\') copy_[static_cast<std::size_t>(c - path)] = '/';
     }
     /// Null when memory ran out.
     const char* get() const { return copy_.get(); }

@@ -136,18 +136,25 @@ TEST(MemoryForCallers, IsRefusedWhenItRunsOut) {
     EXPECT_EQ(vlt_alloc_mem(10), nullptr);
 }
 
-/// A host file that refuses one entry, and then everything: only the file of that entry cannot be opened for writing.
+/// A host file that refuses an entry, and then everything: only a file that the host file may not have cannot be
+/// opened for writing.
 TEST(RefusedEntry, KeepsNoOtherFileFromBeingOpened) {
     World world(StateNamed("growing"));
     {
         const Fault fault(kFaultWrite, 1, FaultManner::cleanly, true);
         EXPECT_EQ(SetTime(world.package(), "victim", 1, 2, 3), 0);
-        EXPECT_EQ(OpenError(world.package(), "other", VLT_MODE_WRITE), VLT_FILE_OK);
-        EXPECT_EQ(OpenError(world.package(), "victim", VLT_MODE_WRITE), VLT_FILE_NOT_FOUND);
+        for (const char* name : {"other", "victim"})
+            for (const std::uint32_t mode : {VLT_MODE_WRITE, VLT_MODE_APPEND})
+                EXPECT_EQ(OpenError(world.package(), name, mode), VLT_FILE_OK) << name;
+        for (int attempt = 0; attempt < 2; ++attempt)
+            EXPECT_EQ(OpenError(world.package(), "new", VLT_MODE_WRITE), VLT_FILE_NOT_FOUND);
+        EXPECT_EQ(OpenError(world.package(), "other", VLT_MODE_WRITE, {.truncate = true}), VLT_FILE_NO_SLOT);
     }
-    EXPECT_EQ(OpenError(world.package(), "victim", VLT_MODE_WRITE), VLT_FILE_OK);
+    for (const char* name : {"victim", "new"})
+        EXPECT_TRUE(WriteTo(OpenFile(world.package(), name, VLT_MODE_APPEND), {'a'})) << name;
     world.Close();
-    EXPECT_EQ(world.Image().Find("victim")->accessed, 2);
+    EXPECT_EQ(world.Image().Find("victim")->created, 1);
+    EXPECT_EQ(world.Image().Find("new")->size, 1);
 }
 
 /// What could not be written shows for the rest of the session.

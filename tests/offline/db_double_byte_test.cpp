@@ -64,4 +64,13 @@ TEST_F(DoubleByte, ATrailByteEndsNoNameOfAStoredFileAndNoSeparatorOfASchema) {
     EXPECT_NE(files["kdbmain.txt"].find("|+TAB\r\n"), std::string::npos);
 }
 
+#ifndef _WIN32  // Windows itself decides there
+TEST_F(DoubleByte, ATrailByteIsNoSeparatorOfAHostPath) {
+    std::string path = At(BACKSLASH_TRAIL);
+    path[path.size() - 3] = '\\';
+    EXPECT_EQ(vlt_package_create(path.c_str(), 0, 1, "", ""), 1);
+    EXPECT_TRUE(Exists(BACKSLASH_TRAIL));
+}
+#endif
+
 }  // namespace

@@ -139,6 +139,27 @@ TEST_F(Transfer, NamesStoredFilesByTheLastComponentThatIsAName) {
         EXPECT_EQ(Save(name) + Get(name) + Has(name), 0);
 }
 
+/// The handles of files in packages from the 32,768th on are negative as signed numbers.
+TEST_F(Transfer, WorksInPackagesOfAnyHandle) {
+    const std::string host = At("other.vlt");
+    ASSERT_EQ(vlt_package_create(host.c_str(), 0, 1, "", ""), 1);
+    std::vector<std::int32_t> packages;
+    for (std::int32_t package = 0; package < 32767;) {
+        package = vlt_package_open(host.c_str(), 0, 0, "", "", nullptr, nullptr);
+        ASSERT_GT(package, 0);
+        packages.push_back(package);
+    }
+    {
+        Database db;
+        ASSERT_EQ(KOfflineDb_Load(db, db_->path), 1);
+        EXPECT_GT(db->package, 32767);
+        EXPECT_EQ(KOfflineDb_SavePackageFile(db, At("in").c_str(), "part.dwg"), 1);
+    }
+    EXPECT_EQ(Get("part.dwg"), 1);
+    EXPECT_EQ(Read("out"), "contents");
+    for (const std::int32_t package : packages) vlt_package_close(package);
+}
+
 TEST_F(Transfer, OfAMissingFileLeavesAnEmptyDiskFileAndThePackageAlone) {
     EXPECT_EQ(Get("missing"), 0);
     EXPECT_TRUE(Exists("out"));
