@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 #include "vlt/directory_grow.h"
 
-#include "vlt/package_chain.h"
+#include "vlt/own_chain_grow.h"
 #include "vlt/package_grow.h"
 
 namespace vlt {

@@ -1,7 +1,7 @@
 // SPDX-License-Identifier: MIT
 // The header run and the directory run of an open package, held in memory whole, with the chains that they come from.
 // They equal what is in the host file when an operation has ended, except after a write that failed, and for stamps
-// of reading that stay in memory (`EntryState`). `header_load` reads them, `package_chain` lengthens them; map words
+// of reading that stay in memory (`EntryState`). `header_load` reads them, `own_chain_grow` lengthens them; map words
 // are changed by those who write them through, entries by the operations on files.
 #pragma once
 

@@ -7,7 +7,7 @@ namespace vlt {
 
 namespace {
 
-void check_package_chain(Store& store, const KnownChain& chain, std::int32_t start) {
+void check_own_chain(Store& store, const KnownChain& chain, std::int32_t start) {
     std::int32_t block = start;
     for (std::int32_t position = 0; position < chain.length(); ++position) {
         check_truth(chain.block_at(position) == block && store.images.own_blocks.contains(block));
@@ -57,8 +57,8 @@ void check_name(Store& store, std::int32_t index) {
 
 void check_store(Store& store) {
     if (store.host.block_count() > 16384) return;  // small packages meet every case, and large ones would take hours
-    check_package_chain(store, store.images.header.chain, VLT_HEADER_START);
-    check_package_chain(store, store.images.directory.chain, VLT_DIRECTORY_START);
+    check_own_chain(store, store.images.header.chain, VLT_HEADER_START);
+    check_own_chain(store, store.images.directory.chain, VLT_DIRECTORY_START);
     if (store.blocks.searched) check_free_blocks(store);
     for (std::int32_t i = 0; i < store.images.vlt_dir_count(); ++i) {
         const vlt_dir_entry entry = store.images.entry(i);

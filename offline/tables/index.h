@@ -50,13 +50,6 @@ struct IndexContext {
     }
 };
 
-/// Builds the index of a field, in the place of the old one if there is one; a table without room for records gets
-/// none. False when memory runs out, and nothing has changed.
-bool index_build(KOfflineTable* table, std::int32_t field);
-
-/// Makes every index of a table current when they may be stale. False when memory runs out; the table stays stale.
-bool KOfflineTable_RefreshIndexes(KOfflineTable* table);
-
 /// Whether an index serves searches as it is: nothing has changed but by deletions, which it was mended for.
 inline bool index_is_current(const KOfflineTable* table, std::int32_t field) {
     const IndexHead* head = Index::head(table->fields[field].index);

@@ -5,6 +5,7 @@
 
 #include "base/ascii_case.h"
 #include "offline/tables/caller_changes.h"
+#include "offline/tables/index_refresh.h"
 #include "offline/tables/plain_truth.h"
 #include "offline/tables/search_aid.h"
 

@@ -7,8 +7,8 @@
 #include "base/ascii_case.h"
 #include "base/heap.h"
 #include "offline/tables/key_sort.h"
-#include "offline/tables/promised_sort.h"
 #include "offline/tables/rank_sort.h"
+#include "offline/tables/tie_order_sort.h"
 
 namespace vlt {
 

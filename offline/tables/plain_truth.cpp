@@ -6,7 +6,7 @@
 
 #include "base/ascii_case.h"
 #include "offline/tables/index_sort.h"
-#include "offline/tables/promised_sort.h"
+#include "offline/tables/tie_order_sort.h"
 
 namespace vlt {
 

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "offline/tables/promised_sort.h"
+#include "offline/tables/tie_order_sort.h"
 #include "offline/tables/rank_extremes.h"
 
 namespace vlt {

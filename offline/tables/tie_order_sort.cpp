@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "offline/tables/promised_sort.h"
+#include "offline/tables/tie_order_sort.h"
 
 #include <algorithm>
 #include <cstddef>

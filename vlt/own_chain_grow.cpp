@@ -1,5 +1,5 @@
 // SPDX-License-Identifier: MIT
-#include "vlt/package_chain.h"
+#include "vlt/own_chain_grow.h"
 
 #include "vlt/map_words.h"
 
