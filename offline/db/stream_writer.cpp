@@ -1,11 +1,9 @@
 // SPDX-License-Identifier: MIT
 #include "offline/db/stream_writer.h"
 
-#include <cstring>
-
 namespace vlt {
 
-void StreamWriter::put(const char* bytes, std::size_t length) {
+void StreamWriter::put_in_parts(const char* bytes, std::size_t length) {
     while (length > sizeof buffer_ - used_) {
         const std::size_t fits = sizeof buffer_ - used_;
         std::memcpy(buffer_ + used_, bytes, fits);
@@ -14,8 +12,7 @@ void StreamWriter::put(const char* bytes, std::size_t length) {
         length -= fits;
         flush();
     }
-    std::memcpy(buffer_ + used_, bytes, length);
-    used_ += length;
+    put(bytes, length);
 }
 
 bool StreamWriter::finish() {

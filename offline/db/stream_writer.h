@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 
 #include "offline/db/stream.h"
 
@@ -12,7 +13,11 @@ class StreamWriter {
 public:
     explicit StreamWriter(KOfflineStream* stream) : stream_(stream) {}
 
-    void put(const char* bytes, std::size_t length);
+    void put(const char* bytes, std::size_t length) {
+        if (length > sizeof buffer_ - used_) return put_in_parts(bytes, length);
+        std::memcpy(buffer_ + used_, bytes, length);
+        used_ += length;
+    }
 
     /// Passes on what is left, to the host; false when anything has failed.
     bool finish();
@@ -20,6 +25,7 @@ public:
     bool failed() const { return failed_; }
 
 private:
+    void put_in_parts(const char* bytes, std::size_t length);
     void flush();
 
     KOfflineStream* stream_;
