@@ -2,7 +2,8 @@
 # SPDX-License-Identifier: MIT
 # fuzz.sh [seconds [target ...]]: runs the fuzz targets (package, inspect, schema, table, escape, database) for that
 # long each, 20 seconds if nothing is given, from a fixed seed. Inputs that reach something new are kept in
-# build/fuzz/corpus and begin the next run; an input that breaks a property is kept in build/fuzz/findings, and the script ends non-zero.
+# build/fuzz/corpus and begin the next run; an input that breaks a property is kept in
+# build/fuzz/findings, and the script ends non-zero.
 # To run one input again: build/fuzz/fuzz/fuzz_TARGET FILE
 set -euo pipefail
 source "$(dirname "${BASH_SOURCE[0]}")/setup.sh"

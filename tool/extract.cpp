@@ -1,6 +1,7 @@
 // SPDX-License-Identifier: MIT
 // vlt cat, vlt extract
 #include <algorithm>
+#include <memory>
 #include <unordered_map>
 #include <unordered_set>
 

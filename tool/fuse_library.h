@@ -37,7 +37,7 @@ public:
 
 private:
     static void* find(const char* name) {
-        static void* const library = dlopen("libfuse3.so.3", RTLD_NOW);  // until the program ends
+        static void* const library = dlopen(VLT_FUSE_LIBRARY, RTLD_NOW);  // until the program ends
         void* const found = library ? dlsym(library, name) : nullptr;
         if (found) return found;
         const char* reason = dlerror();

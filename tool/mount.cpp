@@ -178,6 +178,7 @@ void check_folder(const std::string& folder) {
 
 int mount(Program&, const MountOptions& options) {
     check_folder(options.folder);
+    FuseLibrary::get();  // before the package is locked
     Package package(options.package, options.access_mode());
     MountFiles files(package, options.access_mode());
     check_interrupt();

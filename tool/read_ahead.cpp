@@ -16,6 +16,7 @@ ReadAhead::ReadAhead(std::size_t count, Open open) : count_(count), open_(std::m
 
 ReadAhead::~ReadAhead() {
     if (!thread_.joinable()) return;
+    wanted_ = count_;  // nothing more is read for the batch in work
     {
         const std::lock_guard lock(mutex_);
         stop_ = true;
@@ -97,6 +98,7 @@ bool ReadAhead::read_part(Batch& batch) {
     try {
         if (!file_.read) file_ = open_(reading_);
         const std::size_t room = kRoom - batch.used;
+        if (batch.parts.size() >= kMostParts) return false;
         // One more than the file has, for its end to be seen.
         if (room < std::min(file_.size + 1, kRoom) && batch.used > 0) return false;
         const std::size_t length = file_.read(batch.bytes.data() + batch.used, room);

@@ -33,12 +33,13 @@ public:
     ReadAhead(const ReadAhead&) = delete;
     ReadAhead& operator=(const ReadAhead&) = delete;
 
-    /// The next bytes of a file, until the next call; empty at its end. Numbers may only rise: the rest of the files
-    /// before is left unread. Throws what the opening or the reading of this file threw.
+    /// The next bytes of a file, until the next call; empty at its end. The number never falls: the rest of the files
+    /// before is left unread. Throws what the opening or the reading of this file threw, and what ended all reading.
     std::string_view next(std::size_t number);
 
 private:
     static constexpr std::size_t kRoom = 1 << 19, kBatches = 4;
+    static constexpr std::size_t kMostParts = 1000;  // empty files take no room
 
     /// A part of a file, or its end, which has no bytes.
     struct Part {

@@ -40,7 +40,7 @@ FileFailure find_or_make(Store& store, FileTable& files, const Char* name, const
     if (!files.reserve_slot() || !store.open_files.reserve(entries)) return FileFailure::no_slot;
     if (!found) *index = vlt_dir_add(store, name);
     if (*index == no_entry) return FileFailure::not_found;
-    // A file must not be written that is known here alone.
+    // The host file may lack the entry of a new file: what is written to it would be lost.
     const bool unwritten = store.entries.states[static_cast<std::size_t>(*index)] == EntryState::never_written;
     return writes && unwritten && !vlt_dir_put(store, *index) ? FileFailure::not_found : FileFailure::none;
 }

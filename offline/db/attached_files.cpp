@@ -27,6 +27,7 @@ void copy_out(KOfflineStream* from, std::FILE* to) {
 
 /// Copies no more than the `size` bytes that the disk file holds at first: it may be the package itself, which grows
 /// as it is read. A file without any may have some all the same: the system tells no size of those that it makes up.
+/// Those may have no end, so the first failed write ends the copy.
 void copy_in(std::FILE* from, std::int64_t size, KOfflineStream* to) {
     std::int64_t left = size > 0 ? size : INT64_MAX;
     char chunk[KOfflineDb_COPY_CHUNK];
@@ -34,7 +35,7 @@ void copy_in(std::FILE* from, std::int64_t size, KOfflineStream* to) {
     while ((length = disk_read(from, chunk, KOfflineDb_COPY_CHUNK)) > 0 && left > 0) {
         length = static_cast<std::size_t>(std::min<std::int64_t>(left, static_cast<std::int64_t>(length)));
         left -= static_cast<std::int64_t>(length);
-        KOfflineStream_Write(chunk, static_cast<std::int32_t>(length), to);
+        if (!KOfflineStream_Write(chunk, static_cast<std::int32_t>(length), to)) return;
     }
 }
 

@@ -3,8 +3,8 @@
 
 #include <algorithm>
 
-#include "offline/tables/tie_order_sort.h"
 #include "offline/tables/rank_extremes.h"
+#include "offline/tables/tie_order_sort.h"
 
 namespace vlt {
 
