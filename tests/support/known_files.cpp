@@ -34,7 +34,7 @@ bool KnownFiles::MayRead(const std::u16string& name, std::int64_t wanted, const 
     if (file == files_.end()) return true;
     const std::int64_t from = end - count, left = std::max<std::int64_t>(std::ssize(file->second) - from, 0);
     return from >= 0 && count == std::min(wanted, left) &&
-           std::equal(bytes.begin(), bytes.begin() + count, file->second.begin() + (count ? from : 0));
+           std::equal(bytes.data(), bytes.data() + count, file->second.data() + (count ? from : 0));
 }
 
 void KnownFiles::Empty(const std::u16string& name) {
@@ -45,7 +45,7 @@ void KnownFiles::Write(const std::u16string& name, const Bytes& bytes, std::int6
     const auto file = files_.find(name);
     if (file == files_.end() || bytes.empty()) return;
     file->second.resize(std::max(file->second.size(), static_cast<std::size_t>(end)));
-    std::copy(bytes.begin(), bytes.end(), file->second.begin() + (end - std::ssize(bytes)));
+    std::copy(bytes.begin(), bytes.end(), file->second.data() + (end - std::ssize(bytes)));
 }
 
 void KnownFiles::ForgetTwins(const std::vector<FileInfo>& listing) {
