@@ -58,8 +58,7 @@ public:
                 folder_.emplace(source.folder->empty() ? fs::path(".") : *source.folder);
                 opened_ = source.folder;
             }
-            return {reader(folder_->open(source.last), source.status.size),
-                    static_cast<std::size_t>(std::clamp<std::int64_t>(source.status.size, 0, 1 << 30))};
+            return {reader(folder_->open(source.last), source.status.size), source.status.size};
         } catch (const Failure& failure) {
             throw Unreadable(failure);
         }

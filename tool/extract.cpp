@@ -90,8 +90,7 @@ private:
 
     ReadAhead::File open(const Entry& entry) const {
         auto file = std::make_shared<StoredFile>(package_.open_to_read(entry));
-        return {[file](char* to, std::size_t room) { return file->read(to, room); },
-                static_cast<std::size_t>(std::clamp<std::int64_t>(entry.size, 0, 1 << 30))};
+        return {[file](char* to, std::size_t room) { return file->read(to, room); }, entry.size};
     }
 
     void extract(const Entry& entry) {

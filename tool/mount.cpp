@@ -136,20 +136,20 @@ std::string escaped(const std::string& text) {
 class Mounting {
 public:
     Mounting(MountFiles& files, const MountOptions& options) {
-        FuseLibrary::get().fuse_set_log_func(note);
+        library_.fuse_set_log_func(note);
         std::string words[] = {"vlt", "-o" + options.access + ",subtype=vlt,fsname=" + escaped(options.package.path)};
         char* pointers[] = {words[0].data(), words[1].data(), nullptr};
         fuse_args arguments = FUSE_ARGS_INIT(2, pointers);
         const fuse_operations table = operations();
-        fuse_ = FuseLibrary::get().fuse_new(&arguments, &table, sizeof table, &files);
-        if (fuse_ && FuseLibrary::get().fuse_mount(fuse_, options.folder.c_str()) == 0) return;
-        if (fuse_) FuseLibrary::get().fuse_destroy(fuse_);
+        fuse_ = library_.fuse_new(&arguments, &table, sizeof table, &files);
+        if (fuse_ && library_.fuse_mount(fuse_, options.folder.c_str()) == 0) return;
+        if (fuse_) library_.fuse_destroy(fuse_);
         throw Failure(options.folder, "nothing can be mounted there (" + said_last() +
                                           "); that takes /dev/fuse and, unless you are root, fusermount3");
     }
     ~Mounting() {
-        FuseLibrary::get().fuse_unmount(fuse_);
-        FuseLibrary::get().fuse_destroy(fuse_);
+        library_.fuse_unmount(fuse_);
+        library_.fuse_destroy(fuse_);
     }
     Mounting(const Mounting&) = delete;
     Mounting& operator=(const Mounting&) = delete;
@@ -158,14 +158,14 @@ public:
     bool serve() {
         // The library takes over those signals only that nobody has taken.
         for (const int signal : {SIGINT, SIGTERM, SIGHUP}) std::signal(signal, SIG_DFL);
-        if (FuseLibrary::get().fuse_set_signal_handlers(FuseLibrary::get().fuse_get_session(fuse_)) != 0)
-            return false;
-        const bool served = FuseLibrary::get().fuse_loop(fuse_) >= 0;
-        FuseLibrary::get().fuse_remove_signal_handlers(FuseLibrary::get().fuse_get_session(fuse_));
+        if (library_.fuse_set_signal_handlers(library_.fuse_get_session(fuse_)) != 0) return false;
+        const bool served = library_.fuse_loop(fuse_) >= 0;
+        library_.fuse_remove_signal_handlers(library_.fuse_get_session(fuse_));
         return served;
     }
 
 private:
+    const FuseLibrary& library_ = FuseLibrary::get();
     struct fuse* fuse_;
 };
 

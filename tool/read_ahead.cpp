@@ -100,12 +100,13 @@ bool ReadAhead::read_part(Batch& batch) {
         const std::size_t room = kRoom - batch.used;
         if (batch.parts.size() >= kMostParts) return false;
         // One more than the file has, for its end to be seen.
-        if (room < std::min(file_.size + 1, kRoom) && batch.used > 0) return false;
+        const auto wanted = static_cast<std::size_t>(std::clamp<std::int64_t>(file_.size, 0, kRoom - 1)) + 1;
+        if (room < wanted && batch.used > 0) return false;
         const std::size_t length = file_.read(batch.bytes.data() + batch.used, room);
         if (length == 0) return end_file(batch, nullptr), true;
         batch.parts.push_back({reading_, batch.used, length, nullptr});
         batch.used += length;
-        file_.size -= std::min(file_.size, length);
+        file_.size -= static_cast<std::int64_t>(length);
     } catch (...) {
         end_file(batch, std::current_exception());
     }

@@ -5,6 +5,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <cstddef>
+#include <cstdint>
 #include <exception>
 #include <functional>
 #include <mutex>
@@ -22,7 +23,7 @@ public:
     using Read = std::function<std::size_t(char* to, std::size_t room)>;
     struct File {
         Read read;
-        std::size_t size;  // what it is expected to have, so that small files are read whole
+        std::int64_t size;  // what it is expected to have, so that small files are read whole
     };
     /// Opens a file, given its number. It and what it returns are called on the other thread.
     using Open = std::function<File(std::size_t number)>;
